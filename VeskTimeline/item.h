@@ -1,0 +1,97 @@
+#pragma once
+
+#include <VeskTimeline/vesktimeline_export.h>
+
+#include <QColor>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QModelIndex;
+class QPainter;
+class QStyleOptionViewItem;
+
+namespace VeskTimeline {
+
+/// One timed entry on the timeline: a bar with a start time, a duration and a colour.
+///
+/// Times are milliseconds since the Unix epoch (UTC), durations milliseconds. A duration of -1 makes the item
+/// open-ended: it has a start and no end. Applications change the times of items that are in a model through
+/// TimelineModel::setItemStartTime() and TimelineModel::setItemDuration(), so that the order of the track's items and
+/// the notifications stay right; the setters of this class only store.
+///
+/// An item is owned by the Track that holds it. Subclass it to paint items differently.
+class VESKTIMELINE_EXPORT Item
+{
+public:
+    /// MIME type that marks a drag of items inside one view; its payload is empty.
+    static const QString mimetype;
+    /// Outline colour of selected items, RGB 0x43B0E0.
+    static const QColor s_highlightColor;
+
+    /// An editable item at the epoch with zero duration and an invalid colour.
+    Item() = default;
+    /// An item that belongs to no model yet: id and parent track id are -1.
+    /// @param startTime milliseconds since the epoch, UTC
+    /// @param duration milliseconds; -1 for an open-ended item
+    Item(qint64 startTime, int duration, const QColor& color, bool isEditable);
+    Item(const Item& other) = default;
+    Item& operator=(const Item& other) = default;
+    Item(Item&& other) = default;
+    virtual ~Item();
+
+    /// Draws the item into `option.rect`: a rectangle filled with color() and outlined in black, 1 pixel wide, or, when
+    /// selected, in s_highlightColor, 5 pixels wide. The painter comes back in the state it was handed over in.
+    /// @param index the time cell of the row painted, in the view's model
+    virtual void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
+                       bool isSelected) const;
+
+    /// Unique within the model; -1 until the model adds the item.
+    int id() const { return m_id; }
+    /// Id of the owning track; -1 until the model adds the item.
+    int parentTrackId() const { return m_parentTrackId; }
+    QColor color() const { return m_color; }
+    /// Milliseconds since the epoch, UTC.
+    qint64 startTime() const { return m_startTime; }
+    /// Milliseconds; -1 for an open-ended item.
+    int duration() const { return m_duration; }
+    /// Whether the user may move or resize the item.
+    bool isEditable() const { return m_isEditable; }
+
+    void setColor(const QColor& color) { m_color = color; }
+    /// Stores the time; for items that are in no model.
+    void setStartTime(qint64 startTime) { _setStartTime(startTime); }
+    /// Stores the duration; for items that are in no model.
+    void setDuration(int duration) { _setDuration(duration); }
+    void setEditable(bool isEditable) { m_isEditable = isEditable; }
+
+    /// Raw setter for the model, which keeps the order of the track's items itself.
+    void _setStartTime(qint64 startTime) { m_startTime = startTime; }
+    /// Raw setter for the model, which keeps the order of the track's items itself.
+    void _setDuration(int duration) { m_duration = duration; }
+
+protected:
+    QColor m_color;
+    qint64 m_startTime = 0;
+    int m_duration = 0;
+    bool m_isEditable = true;
+    int m_id = -1;
+    int m_parentTrackId = -1;
+
+    friend class TimelineModel;
+};
+
+/// Owns an item.
+using ItemPtr = std::unique_ptr<Item>;
+/// Owning list of items, kept in the order of their start times.
+using Items = std::vector<ItemPtr>;
+/// Names an owned item without owning it; valid as long as the list that holds the ItemPtr is not changed.
+using ItemPtrRef = std::reference_wrapper<const ItemPtr>;
+using ItemPtrRefs = std::vector<ItemPtrRef>;
+/// As ItemPtrRef, to an item that may be changed.
+using ItemPtrNCVRef = std::reference_wrapper<ItemPtr>;
+using ItemPtrNCVRefs = std::vector<ItemPtrNCVRef>;
+
+} // namespace VeskTimeline

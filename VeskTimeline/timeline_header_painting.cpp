@@ -1,0 +1,198 @@
+#include <VeskTimeline/timeline_header_view.h>
+#include <VeskTimeline/timeline_view.h>
+
+#include <QApplication>
+#include <QPainter>
+#include <QPolygon>
+
+#include <cmath>
+
+namespace VeskTimeline {
+
+namespace {
+
+constexpr int markerSize = 11;
+constexpr int markerMargin = 2;
+constexpr int limitBoxHeight = 19;
+constexpr int limitTextHeight = 21;
+constexpr int tickLabelWidth = 160;
+// The indicators' lines start below their texts.
+constexpr int timeTextHeight = 19;
+constexpr int timeTextPadding = 4;
+
+QColor textColor()
+{
+    return QApplication::palette().color(QPalette::Text);
+}
+
+QPen rulerPen(qreal width)
+{
+    return {QBrush(textColor()), width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
+}
+
+QPixmap limitMarker(const QLine& line, const QPolygon& triangle)
+{
+    QPixmap marker(markerSize, markerSize);
+    marker.fill(Qt::transparent);
+    QPainter painter(&marker);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(textColor());
+    painter.setBrush(textColor());
+    painter.drawLine(line);
+    painter.drawPolygon(triangle);
+    return marker;
+}
+
+// A text on the ruler's background, so that it stays readable over ticks and labels.
+void paintTimeText(QPainter* painter, const QRect& box, const QString& text)
+{
+    painter->fillRect(box, TimelineHeaderView::backgroundColor());
+    painter->drawText(box, Qt::AlignCenter, text);
+}
+
+} // namespace
+
+QPixmap getMinLimitIndicator()
+{
+    return limitMarker(QLine(1, 0, 1, 10), QPolygon({QPoint(4, 5), QPoint(10, 0), QPoint(10, 10)}));
+}
+
+QPixmap getMaxLimitIndicator()
+{
+    return limitMarker(QLine(10, 0, 10, 10), QPolygon({QPoint(6, 5), QPoint(0, 0), QPoint(0, 10)}));
+}
+
+int TimelineHeaderView::tickBaseline(const QRect& rect) const
+{
+    return m_isLimitsVisible ? rect.bottom() - s_limitHeight : rect.bottom();
+}
+
+void TimelineHeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
+{
+    if (logicalIndex == 0)
+        paintTrackLabel(painter, rect);
+    else if (logicalIndex == 1)
+        paintTimeScale(painter, rect);
+}
+
+void TimelineHeaderView::paintTrackLabel(QPainter* painter, const QRect& rect) const
+{
+    painter->save();
+    painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    painter->fillRect(rect, backgroundColor());
+    painter->setPen(rulerPen(2.0));
+    const QPoint middle(rect.right(), rect.center().y());
+    painter->drawLine(rect.topRight(), middle);
+    painter->drawLine(middle, rect.bottomRight());
+    painter->setFont(m_font);
+    painter->drawText(rect, Qt::AlignCenter, m_trackLabel);
+    painter->restore();
+}
+
+void TimelineHeaderView::paintTimeScale(QPainter* painter, const QRect& rect) const
+{
+    painter->save();
+    painter->setClipRect(rect);
+    painter->setFont(m_font);
+    painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    painter->fillRect(rect, backgroundColor());
+    paintTicks(painter, rect);
+    if (m_timelineView) {
+        if (m_isLimitsVisible)
+            paintLimits(painter, rect);
+        if (m_isHoverVisible && m_hoverPosition != -1)
+            paintHover(painter, rect);
+        if (m_isLiveIndicatorVisible && m_liveIndicatorTime != -1)
+            paintIndicator(painter, rect, m_liveIndicatorTime, m_liveIndicatorScalingFactor, m_liveIndicatorColor);
+        if (m_isIndicatorVisible && m_indicatorTime != -1)
+            paintIndicator(painter, rect, m_indicatorTime, m_indicatorScalingFactor, highlightColor());
+    }
+    painter->restore();
+}
+
+void TimelineHeaderView::paintTicks(QPainter* painter, const QRect& rect) const
+{
+    const int baseline = tickBaseline(rect);
+    const int bandHeight = (baseline - rect.top()) / 2;
+
+    painter->setPen(rulerPen(1.0));
+    for (const Tick& tick : m_majorTicks) {
+        const QRect label(tick.pos - tickLabelWidth / 2, rect.top(), tickLabelWidth, bandHeight);
+        painter->drawText(label, Qt::AlignCenter, tick.label);
+        if (m_isLimitsVisible)
+            painter->drawLine(tick.pos, baseline, tick.pos, rect.bottom());
+        painter->drawLine(tick.pos, rect.top() + bandHeight, tick.pos, baseline);
+    }
+
+    const auto drawTicks = [&](const Ticks& ticks, double length) {
+        const int top = baseline - static_cast<int>(length);
+        for (const Tick& tick : ticks)
+            painter->drawLine(tick.pos, top, tick.pos, baseline);
+    };
+    drawTicks(m_mediumTicks, 2 * bandHeight / 3.0);
+    drawTicks(m_minorTicks, bandHeight / 3.0);
+}
+
+void TimelineHeaderView::paintLimits(QPainter* painter, const QRect& rect) const
+{
+    const qint64 start = m_timelineView->currentTime();
+    const QString startText = DateTime::toString(start, m_limitsDateTimeFormat);
+    const QString endText = DateTime::toString(start + m_timelineView->zoomFactor(), m_limitsDateTimeFormat);
+    const QFontMetrics metrics = painter->fontMetrics();
+    constexpr int textOffset = markerMargin + markerSize + markerMargin;
+    const int startWidth = metrics.horizontalAdvance(startText) + textOffset + markerMargin;
+    const int endWidth = metrics.horizontalAdvance(endText) + textOffset + markerMargin;
+
+    const int boxTop = rect.bottom() - limitBoxHeight + 1;
+    painter->fillRect(rect.left(), boxTop, startWidth, limitBoxHeight, backgroundColor());
+    painter->fillRect(rect.right() + 1 - endWidth, boxTop, endWidth, limitBoxHeight, backgroundColor());
+
+    const int markerTop = boxTop + (limitBoxHeight - markerSize) / 2;
+    painter->drawPixmap(rect.left() + markerMargin, markerTop, m_minLimitIndicator);
+    painter->drawPixmap(rect.right() + 1 - markerMargin - markerSize, markerTop, m_maxLimitIndicator);
+
+    const int textTop = boxTop - (limitTextHeight - limitBoxHeight) / 2;
+    painter->drawText(QRect(rect.left() + textOffset, textTop, startWidth - textOffset, limitTextHeight),
+                      Qt::AlignLeft | Qt::AlignVCenter, startText);
+    painter->drawText(QRect(rect.right() + 1 - endWidth, textTop, endWidth - textOffset, limitTextHeight),
+                      Qt::AlignRight | Qt::AlignVCenter, endText);
+}
+
+void TimelineHeaderView::paintHover(QPainter* painter, const QRect& rect) const
+{
+    painter->setPen(highlightColor());
+    painter->drawLine(m_hoverPosition, rect.top(), m_hoverPosition, rect.bottom());
+    if (!m_isHoverTimeVisible)
+        return;
+
+    const QString text = DateTime::toString(m_hoverTime, m_hoverDateTimeFormat);
+    const int width = painter->fontMetrics().horizontalAdvance(text) + timeTextPadding;
+    const int left = std::min(m_hoverPosition - width / 2, rect.right() + 1 - width);
+    painter->setPen(textColor());
+    paintTimeText(painter, QRect(left, rect.top(), width, timeTextHeight), text);
+}
+
+void TimelineHeaderView::paintIndicator(QPainter* painter, const QRect& rect, qint64 time, double scalingFactor,
+                                        const QColor& color) const
+{
+    // Height of an equilateral triangle over its base.
+    constexpr double triangleRatio = 0.866;
+
+    const int position = toPixel(time);
+    const int rulerHeight = m_isLimitsVisible ? height() - s_limitHeight : height();
+    const int size = static_cast<int>(rulerHeight * scalingFactor);
+    const double top = rect.bottom() - triangleRatio * size;
+
+    painter->setPen(color);
+    painter->setBrush(color);
+    painter->drawPolygon(QPolygonF(
+        {QPointF(position, rect.bottom()), QPointF(position - size / 2.0, top), QPointF(position + size / 2.0, top)}));
+    painter->drawLine(position, rect.top() + timeTextHeight, position, rect.bottom());
+
+    const QString text = DateTime::toString(time, m_dateTimeFormat);
+    const int width = painter->fontMetrics().horizontalAdvance(text) + timeTextPadding;
+    painter->setPen(textColor());
+    paintTimeText(painter, QRect(position - width / 2, rect.top(), width, timeTextHeight), text);
+}
+
+} // namespace VeskTimeline

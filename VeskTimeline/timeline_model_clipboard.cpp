@@ -1,0 +1,68 @@
+#include <VeskTimeline/timeline_model.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace VeskTimeline {
+
+void TimelineModel::copyToClipboard(const QVector<int>& itemIds)
+{
+    m_clipboard.clear();
+    m_clipboard.reserve(static_cast<Items::size_type>(itemIds.size()));
+    qint64 earliest = std::numeric_limits<qint64>::max();
+    for (const int id : itemIds) {
+        const Item* const source = item(id);
+        auto copy = std::make_unique<Item>(source->startTime(), source->duration(), source->color(), true);
+        copy->m_parentTrackId = source->parentTrackId();
+        m_clipboard.push_back(std::move(copy));
+        earliest = std::min(earliest, source->startTime());
+    }
+    for (const ItemPtr& copy : m_clipboard)
+        copy->_setStartTime(copy->startTime() - earliest);
+}
+
+void TimelineModel::cutToClipboard(const QVector<int>& itemIds)
+{
+    copyToClipboard(itemIds);
+    for (const int id : itemIds)
+        removeItem(id);
+}
+
+void TimelineModel::forgetDestroyedTrack(int trackId)
+{
+    // A removed track leaves the ids of its descendants in the cache, pointing at destroyed tracks.
+    if (trackId != m_rootTrack.id() && !m_rootTrack.hasTrack(trackId, true))
+        m_trackCache.erase(trackId);
+}
+
+void TimelineModel::pasteCopy(ItemPtr& copy, qint64 time)
+{
+    const int trackId = copy->parentTrackId();
+    forgetDestroyedTrack(trackId);
+
+    const qint64 relativeStart = copy->startTime();
+    copy->_setStartTime(relativeStart + time);
+    try {
+        addItem(trackId, std::move(copy), false);
+    } catch (...) {
+        if (copy)
+            copy->_setStartTime(relativeStart);
+        throw;
+    }
+}
+
+void TimelineModel::pasteFromClipboard(qint64 time)
+{
+    const qint64 base = snapTime(time);
+    const auto isPasted = [](const ItemPtr& copy) { return !copy; };
+    try {
+        for (ItemPtr& copy : m_clipboard)
+            pasteCopy(copy, base);
+    } catch (...) {
+        m_clipboard.erase(std::remove_if(m_clipboard.begin(), m_clipboard.end(), isPasted), m_clipboard.end());
+        throw;
+    }
+    m_clipboard.clear();
+}
+
+} // namespace VeskTimeline

@@ -1,0 +1,355 @@
+#include "failure_log_p.h"
+#include "modifiers_p.h"
+#include "time_grid_p.h"
+#include "track_cell_p.h"
+
+#include <VeskTimeline/timeline_model.h>
+#include <VeskTimeline/timeline_view.h>
+#include <VeskTimeline/timeline_view_drag_handler.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QSet>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace VeskTimeline {
+
+TimelineViewDragHandler::TimelineViewDragHandler(TimelineView* view) : m_view(view)
+{
+}
+
+TimelineViewDragHandler::~TimelineViewDragHandler() = default;
+
+bool TimelineViewDragHandler::isModelEditable() const
+{
+    return m_view->timelineModel() && m_view->timelineModel()->isEditable();
+}
+
+bool TimelineViewDragHandler::hasGesture() const
+{
+    return !m_dragItemIds.isEmpty() && m_dragStartIndex.isValid();
+}
+
+int TimelineViewDragHandler::trackIdUnder(const QPoint& pos) const
+{
+    return trackIdOfCell(m_view->indexAt(pos));
+}
+
+// Remembered at the press: the row may be gone before the gesture is, and an index of a row that has gone must not be
+// read.
+int TimelineViewDragHandler::dragStartTrackId() const
+{
+    return m_dragStartTrackId != -1 ? m_dragStartTrackId : trackIdOfCell(m_dragStartIndex);
+}
+
+void TimelineViewDragHandler::resetGesture()
+{
+    m_dragItemIds.clear();
+    m_dragStartIndex = QModelIndex();
+    m_dragStartTrackId = -1;
+    m_dragStartTime = -1;
+    m_dragStartPos = QPoint();
+    m_dragPos = QPoint();
+}
+
+void TimelineViewDragHandler::clear()
+{
+    resetGesture();
+    m_view->setCursor(Qt::ArrowCursor);
+    m_view->viewport()->update();
+}
+
+bool TimelineViewDragHandler::isActive() const
+{
+    return !m_dragItemIds.isEmpty() &&
+           (m_dragPos - m_dragStartPos).manhattanLength() >= QApplication::startDragDistance();
+}
+
+int TimelineViewDragHandler::deltaX() const
+{
+    if (!m_dragStartIndex.isValid() || !m_view->timelineModel())
+        return 0;
+    if (!m_view->timelineModel()->isSnapEnabled())
+        return m_dragPos.x() - m_dragStartPos.x();
+    return m_view->toPixel(m_dragStartTime + deltaTime()) - m_view->toPixel(m_dragStartTime);
+}
+
+int TimelineViewDragHandler::deltaY() const
+{
+    if (!m_dragStartIndex.isValid())
+        return 0;
+    const QModelIndex index = m_view->indexAt(m_dragPos);
+    if (!index.isValid())
+        return m_dragPos.y() - m_dragStartPos.y();
+    return m_view->visualRect(index).top() - m_view->visualRect(m_dragStartIndex).top();
+}
+
+qint64 TimelineViewDragHandler::deltaTime() const
+{
+    const TimelineModel* const model = m_view->timelineModel();
+    if (!model)
+        return 0;
+    if (!model->isSnapEnabled())
+        return m_view->toTime(m_dragPos.x()) - m_view->toTime(m_dragStartPos.x());
+    return snappedToEdges(truncatedToGrid(m_view->toTime(m_dragPos.x()) - m_dragStartTime, model->snapStep()));
+}
+
+qint64 TimelineViewDragHandler::snappedToEdges(qint64 dt) const
+{
+    const TimelineModel* const model = m_view->timelineModel();
+    const qint64 tolerance = model->snapTolerance();
+    const QSet<int> draggedIds(m_dragItemIds.begin(), m_dragItemIds.end());
+    const QVector<int> itemIds = model->itemIds();
+    const auto isNear = [tolerance](qint64 edge, qint64 other) {
+        return edge - tolerance < other && other < edge + tolerance;
+    };
+
+    qint64 best = 2 * tolerance;
+    for (const int draggedId : m_dragItemIds) {
+        const Item* const dragged = model->item(draggedId);
+        const qint64 start = dragged->startTime() + dt;
+        const qint64 end = start + dragged->duration();
+        for (const int otherId : itemIds) {
+            if (draggedIds.contains(otherId))
+                continue;
+            const Item* const other = model->item(otherId);
+            const qint64 otherEnd = other->startTime() + other->duration();
+            qint64 candidate = 0;
+            if (isNear(start, otherEnd))
+                candidate = otherEnd - dragged->startTime();
+            else if (isNear(end, other->startTime()))
+                candidate = other->startTime() - (dragged->startTime() + dragged->duration());
+            else
+                continue;
+            if (std::abs(candidate) < best) {
+                dt = candidate;
+                best = std::abs(candidate);
+            }
+        }
+    }
+    return dt;
+}
+
+int TimelineViewDragHandler::dragItemTrackId(const Item& item) const
+{
+    const QPoint down(0, deltaY());
+    if (trackIdUnder(m_dragStartPos + down) == dragStartTrackId())
+        return item.parentTrackId();
+    const QRect row = m_view->visualRect(m_view->indexOfTrackRow(item.parentTrackId(), 0));
+    if (!row.isValid())
+        return 0;
+    return trackIdOfCell(m_view->indexAt(row.center() + down));
+}
+
+void TimelineViewDragHandler::mousePressEvent(QMouseEvent* event)
+{
+    if (!isModelEditable() || event->button() != Qt::LeftButton)
+        return;
+    // Whatever this press finds, nothing of an earlier click may move with it.
+    resetGesture();
+    try {
+        takeItemUnder(event->position().toPoint());
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO, Hox::Debug);
+    }
+}
+
+void TimelineViewDragHandler::takeItemUnder(const QPoint& pos)
+{
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isTimeCell(index))
+        return;
+    TimelineModel* const model = m_view->timelineModel();
+    const int trackId = trackIdOfCell(index);
+    const qint64 time = m_view->toTime(pos.x());
+    const Item* const pressed = model->track(trackId)->itemAt(time);
+
+    m_dragItemIds = m_view->selectedItemIds();
+    if (!m_view->isItemSelected(pressed->id()))
+        m_dragItemIds = {pressed->id()};
+    const auto isFixed = [model](int id) { return !model->item(id)->isEditable(); };
+    if (std::any_of(m_dragItemIds.begin(), m_dragItemIds.end(), isFixed))
+        return;
+
+    m_dragStartIndex = index;
+    m_dragStartTrackId = trackId;
+    m_dragStartTime = time;
+    m_dragStartPos = pos;
+    m_dragPos = pos;
+    m_view->setCursor(Qt::ClosedHandCursor);
+}
+
+void TimelineViewDragHandler::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!isModelEditable())
+        return;
+    if (event->buttons() != Qt::LeftButton) {
+        clear();
+        return;
+    }
+    try {
+        followMouse(event->position().toPoint());
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+    }
+}
+
+void TimelineViewDragHandler::followMouse(const QPoint& pos)
+{
+    if (!hasGesture() || (pos - m_dragStartPos).manhattanLength() < QApplication::startDragDistance())
+        return;
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isTimeCell(index)) {
+        m_view->setCursor(Qt::ForbiddenCursor);
+        return;
+    }
+    m_dragPos = pos;
+    m_view->setCursor(canDragItemsTo(m_dragPos) ? Qt::ClosedHandCursor : Qt::ForbiddenCursor);
+    m_view->viewport()->update();
+    if (trackIdOfCell(index) != dragStartTrackId())
+        startDragAndDrop();
+}
+
+void TimelineViewDragHandler::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (!isModelEditable() || event->button() != Qt::LeftButton || !hasGesture())
+        return;
+    const QPoint pos = event->position().toPoint();
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isTimeCell(index) || trackIdOfCell(index) != dragStartTrackId())
+        return;
+    try {
+        moveItemsTo(pos);
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+    }
+    clear();
+}
+
+void TimelineViewDragHandler::moveItemsTo(const QPoint& pos)
+{
+    m_dragPos = pos;
+    if (m_dragPos.x() == m_dragStartPos.x() || !canMoveItemsTo(m_dragPos))
+        return;
+    Q_EMIT m_view->currentItemTimeChanged();
+    TimelineModel* const model = m_view->timelineModel();
+    const qint64 dt = deltaTime();
+    const QVector<int> ids = m_dragItemIds;
+    for (const int id : ids) {
+        Item* const item = model->item(id);
+        model->setItemStartTime(*item, item->startTime() + dt);
+    }
+}
+
+bool TimelineViewDragHandler::canMoveItemsTo(const QPoint& pos) const
+{
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isModelEditable() || !hasGesture() || !isTimeCell(index) || trackIdOfCell(index) != dragStartTrackId())
+        return false;
+    const TimelineModel* const model = m_view->timelineModel();
+    const qint64 dt = deltaTime();
+    return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
+        const Item* const item = model->item(id);
+        const qint64 start = item->startTime() + dt;
+        return model->canMoveItem(*item, start) &&
+               !model->track(item->parentTrackId())
+                    ->isItemsBetween(start, start + item->duration(), m_dragItemIds, true, false, false, 0);
+    });
+}
+
+bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
+{
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isModelEditable() || !hasGesture() || !isTimeCell(index))
+        return false;
+    if (trackIdOfCell(index) == dragStartTrackId())
+        return canMoveItemsTo(pos);
+
+    const TimelineModel* const model = m_view->timelineModel();
+    const qint64 dt = deltaTime();
+    return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
+        const Item* const item = model->item(id);
+        const int trackId = dragItemTrackId(*item);
+        if (trackId == 0)
+            return false;
+        const Track* const target = model->track(trackId);
+        const qint64 start = item->startTime() + dt;
+        return model->canDropItem(*item, target->id(), start) &&
+               !target->isItemsBetween(start, start + item->duration(), m_dragItemIds, true, false, false, 0);
+    });
+}
+
+void TimelineViewDragHandler::keyPressEvent(QKeyEvent* event)
+{
+    if (!isModelEditable() || !m_view->hasSelectedItems())
+        return;
+    if (event->key() == Qt::Key_Escape) {
+        clear();
+        return;
+    }
+    constexpr int stepsWithoutControl = 10;
+    const int snapStep = m_view->timelineModel()->snapStep();
+    const int dt = isControlHeld(*event) ? snapStep : stepsWithoutControl * snapStep;
+    // Without a grid there is no step to move by.
+    if (dt <= 0)
+        return;
+    const QVector<int> ids = m_view->selectedItemIds();
+    if (event->key() == Qt::Key_Left)
+        moveItemsLeft(ids, -dt);
+    else if (event->key() == Qt::Key_Right)
+        moveItemsRight(ids, dt);
+}
+
+bool TimelineViewDragHandler::canShiftItems(const QVector<int>& ids, int dt) const
+{
+    const TimelineModel* const model = m_view->timelineModel();
+    return std::all_of(ids.begin(), ids.end(), [&](int id) {
+        const Item* const item = model->item(id);
+        const Track* const track = model->track(item->parentTrackId());
+        const qint64 start = item->startTime() + dt;
+        return !track->isItemsBetween(start, start + item->duration(), ids, true, false, false, 0) &&
+               model->canMoveItem(*item, start);
+    });
+}
+
+void TimelineViewDragHandler::shiftItems(const QVector<int>& ids, int dt)
+{
+    TimelineModel* const model = m_view->timelineModel();
+    for (const int id : ids) {
+        Item* const item = model->item(id);
+        model->setItemStartTime(*item, item->startTime() + dt);
+    }
+}
+
+void TimelineViewDragHandler::moveItemsLeft(const QVector<int>& ids, int dt)
+{
+    Q_ASSERT(dt < 0);
+    try {
+        const int snapStep = m_view->timelineModel()->snapStep();
+        if (canShiftItems(ids, dt))
+            shiftItems(ids, dt);
+        else if (dt < -snapStep)
+            moveItemsLeft(ids, dt + snapStep);
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+    }
+}
+
+void TimelineViewDragHandler::moveItemsRight(const QVector<int>& ids, int dt)
+{
+    Q_ASSERT(dt > 0);
+    try {
+        const int snapStep = m_view->timelineModel()->snapStep();
+        if (canShiftItems(ids, dt))
+            shiftItems(ids, dt);
+        else if (dt > snapStep)
+            moveItemsRight(ids, dt - snapStep);
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+    }
+}
+
+} // namespace VeskTimeline

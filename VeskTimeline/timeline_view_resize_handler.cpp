@@ -1,0 +1,259 @@
+#include "edge_grip_p.h"
+#include "failure_log_p.h"
+#include "time_grid_p.h"
+#include "track_cell_p.h"
+
+#include <VeskTimeline/timeline_model.h>
+#include <VeskTimeline/timeline_view.h>
+#include <VeskTimeline/timeline_view_resize_handler.h>
+
+#include <QMouseEvent>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace VeskTimeline {
+
+namespace {
+
+qint64 endOf(const Item& item)
+{
+    return item.startTime() + item.duration();
+}
+
+} // namespace
+
+TimelineViewResizeHandler::TimelineViewResizeHandler(TimelineView* view) : m_view(view)
+{
+}
+
+TimelineViewResizeHandler::~TimelineViewResizeHandler() = default;
+
+bool TimelineViewResizeHandler::isModelEditable() const
+{
+    return m_view->timelineModel() && m_view->timelineModel()->isEditable();
+}
+
+bool TimelineViewResizeHandler::holdsEdge() const
+{
+    return m_currentItemId != -1 && m_resizePos != eNone;
+}
+
+bool TimelineViewResizeHandler::isActive() const
+{
+    return m_currentTrackId != -1 && holdsEdge();
+}
+
+void TimelineViewResizeHandler::mousePressEvent(QMouseEvent* event)
+{
+    if (!isModelEditable() || event->button() != Qt::LeftButton)
+        return;
+    try {
+        takeEdgeUnder(event->position().toPoint());
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+    }
+}
+
+void TimelineViewResizeHandler::takeEdgeUnder(const QPoint& pos)
+{
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isTimeCell(index))
+        return;
+    const Track* const track = m_view->timelineModel()->track(trackIdOfCell(index));
+    const Item* const item = track->itemAt(m_view->toTime(pos.x()));
+    if (!item->isEditable())
+        return;
+
+    const EdgeGrip grip{m_view->toPixel(item->startTime()), m_view->toPixel(endOf(*item))};
+    if (!grip.holds(pos.x())) {
+        m_resizePos = eNone;
+        return;
+    }
+    m_resizePos = grip.isEnd(pos.x()) ? eEnd : eStart;
+    m_currentTrackId = track->id();
+    m_currentItemId = item->id();
+}
+
+void TimelineViewResizeHandler::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!isModelEditable() || !isActive())
+        return;
+    try {
+        resizeTo(event->position().toPoint());
+    } catch (...) {
+        mouseReleaseEvent(event);
+        // The event is a move, no release of the left button; the resize is over all the same.
+        if (isActive())
+            finish();
+    }
+}
+
+void TimelineViewResizeHandler::resizeTo(const QPoint& pos)
+{
+    TimelineModel* const model = m_view->timelineModel();
+    if (!model->item(m_currentItemId)->isEditable())
+        return;
+    const QModelIndex index = m_view->indexAt(pos);
+    if (!isTimeCell(index))
+        return;
+    Track* const track = model->track(trackIdOfCell(index));
+    if (track->id() != m_currentTrackId)
+        return;
+
+    const qint64 time = model->isSnapEnabled() ? globalSnapTime(pos.x()) : localSnapTime(pos.x());
+    Item* const item = model->item(m_currentItemId);
+    const bool isWritten = m_resizePos == eEnd ? resizeEnd(*track, *item, time) : resizeStart(*track, *item, time);
+    if (isWritten)
+        m_view->viewport()->update();
+}
+
+bool TimelineViewResizeHandler::resizeEnd(Track& track, Item& item, qint64 time)
+{
+    TimelineModel* const model = m_view->timelineModel();
+    const auto duration = static_cast<int>(time - item.startTime());
+    if (duration == item.duration() || !model->canResizeItem(item, item.startTime(), duration))
+        return false;
+    model->setItemDuration(track, item, duration);
+    return true;
+}
+
+bool TimelineViewResizeHandler::resizeStart(Track& track, Item& item, qint64 time)
+{
+    TimelineModel* const model = m_view->timelineModel();
+    const auto duration = static_cast<int>(endOf(item) - time);
+    if (time == item.startTime() || !model->canResizeItem(item, time, duration))
+        return false;
+    // The duration first: so the end stays where it is for whoever watches the two writes.
+    model->setItemDuration(track, item, duration);
+    model->setItemStartTime(track, item, time);
+    return true;
+}
+
+void TimelineViewResizeHandler::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (isModelEditable() && event->button() == Qt::LeftButton)
+        finish();
+}
+
+void TimelineViewResizeHandler::finish()
+{
+    Q_EMIT m_view->currentItemTimeChanged();
+    m_view->setCursor(Qt::ArrowCursor);
+    m_currentTrackId = -1;
+    m_currentItemId = -1;
+    m_resizePos = eNone;
+}
+
+qint64 TimelineViewResizeHandler::localSnapTime(int x) const
+{
+    const qint64 time = m_view->toTime(x);
+    if (!holdsEdge())
+        return time;
+    const TimelineModel* const model = m_view->timelineModel();
+    const Track* const track = model->track(m_currentTrackId);
+    const Item* const item = model->item(m_currentItemId);
+    return m_resizePos == eEnd ? localEndTime(*track, *item, time) : localStartTime(*track, *item, time);
+}
+
+qint64 TimelineViewResizeHandler::localEndTime(const Track& track, const Item& item, qint64 time) const
+{
+    if (time <= item.startTime())
+        return item.startTime() + m_view->timelineModel()->minimumDuration();
+    try {
+        return std::min(time, track.next(item.id())->startTime());
+    } catch (const QString&) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+        return time;
+    }
+}
+
+qint64 TimelineViewResizeHandler::localStartTime(const Track& track, const Item& item, qint64 time) const
+{
+    if (time >= endOf(item))
+        return endOf(item) - m_view->timelineModel()->minimumDuration();
+    try {
+        return std::max(time, endOf(*track.previous(item.id())));
+    } catch (const QString&) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+        return time;
+    }
+}
+
+TimelineViewResizeHandler::Bounds TimelineViewResizeHandler::neighbourBounds(const Track& track) const
+{
+    Bounds bounds{m_view->startTime(), m_view->endTime()};
+    try {
+        bounds.lower = endOf(*track.previous(m_currentItemId));
+    } catch (const QString&) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO, Hox::Debug);
+    }
+    try {
+        bounds.upper = track.next(m_currentItemId)->startTime();
+    } catch (const QString&) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO, Hox::Debug);
+    }
+    return bounds;
+}
+
+qint64 TimelineViewResizeHandler::globalSnapTime(int x) const
+{
+    const TimelineModel* const model = m_view->timelineModel();
+    const qint64 gridTime = truncatedToGrid(m_view->toTime(x), model->snapStep());
+    if (!holdsEdge())
+        return gridTime;
+
+    const Bounds bounds = neighbourBounds(*model->track(m_currentTrackId));
+    const Item* const item = model->item(m_currentItemId);
+    const qint64 time = snappedToEdges(*item, gridTime);
+    if (isBeyondOtherEdge(*item, time)) {
+        const int minimum = model->minimumDuration();
+        return m_resizePos == eStart ? endOf(*item) - minimum : item->startTime() + minimum;
+    }
+    return std::min(std::max(time, bounds.lower), bounds.upper);
+}
+
+bool TimelineViewResizeHandler::isBeyondOtherEdge(const Item& item, qint64 time) const
+{
+    return m_resizePos == eStart ? time >= endOf(item) : time <= item.startTime();
+}
+
+// The edge of another item that lies within the tolerance of a time, its start before its end.
+bool TimelineViewResizeHandler::snapCandidate(const Item& other, qint64 time, qint64* candidate) const
+{
+    const qint64 tolerance = m_view->timelineModel()->snapTolerance();
+    for (const qint64 edge : {other.startTime(), endOf(other)}) {
+        if (time - tolerance < edge && edge < time + tolerance) {
+            *candidate = edge;
+            return true;
+        }
+    }
+    return false;
+}
+
+qint64 TimelineViewResizeHandler::snappedToEdges(const Item& item, qint64 gridTime) const
+{
+    const TimelineModel* const model = m_view->timelineModel();
+    qint64 result = gridTime;
+    int best = 2 * model->snapTolerance();
+    const QVector<int> itemIds = model->itemIds();
+    for (const int id : itemIds) {
+        if (id == m_currentItemId)
+            continue;
+        try {
+            qint64 candidate = 0;
+            if (!snapCandidate(*model->item(id), result, &candidate) || std::abs(candidate - gridTime) >= best ||
+                isBeyondOtherEdge(item, candidate))
+                continue;
+            result = candidate;
+            // Signed on purpose: an edge before the grid line is final, one behind it may still be replaced by a
+            // nearer.
+            best = static_cast<int>(candidate - gridTime);
+        } catch (const QString&) {
+            logCaughtException(m_view->logger(), Q_FUNC_INFO);
+        }
+    }
+    return result;
+}
+
+} // namespace VeskTimeline
