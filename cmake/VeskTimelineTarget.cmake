@@ -36,8 +36,18 @@ function(vesktimeline_target target)
                           QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     )
     get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE")
+        file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+    endif()
     if(type STREQUAL "SHARED_LIBRARY")
-        set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${VESKTIMELINE_SOVERSION})
-        target_link_options(${target} PRIVATE "$<$<NOT:$<BOOL:${VESKTIMELINE_SANITIZE}>>:-Wl,--no-undefined>")
+        # An installed library finds the others of the project beside it, in whatever prefix.
+        set_target_properties(
+            ${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${VESKTIMELINE_SOVERSION} INSTALL_RPATH "$ORIGIN"
+        )
+        # The sanitizers' own symbols come with the program.
+        if(NOT VESKTIMELINE_SANITIZE)
+            target_link_options(${target} PRIVATE -Wl,--no-undefined)
+        endif()
     endif()
 endfunction()
