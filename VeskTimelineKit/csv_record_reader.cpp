@@ -1,0 +1,161 @@
+#include "csv_record_reader_p.h"
+#include "kit_tr_p.h"
+
+#include <QIODevice>
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <new>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+// A longer line is no text that anybody wrote; it must not fill the memory.
+constexpr qsizetype longestLine = 16 * 1024 * 1024;
+constexpr qint64 blockSize = 64 * 1024;
+
+constexpr char utf8Mark[] = "\xEF\xBB\xBF";
+constexpr char utf16LittleMark[] = "\xFF\xFE";
+constexpr char utf16BigMark[] = "\xFE\xFF";
+
+bool isUtf8(const QByteArray& text)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString decoded = decoder.decode(text);
+    Q_UNUSED(decoded)
+    return !decoder.hasError();
+}
+
+bool isBlank(const QByteArray& line)
+{
+    return line.trimmed().isEmpty();
+}
+
+// Position of the first line end character at or behind a position; the text's size for none.
+qsizetype lineEnd(const QByteArray& text, qsizetype from)
+{
+    const auto isLineEnd = [](char c) { return c == '\n' || c == '\r'; };
+    return std::find_if(text.begin() + from, text.end(), isLineEnd) - text.begin();
+}
+
+} // namespace
+
+CsvRecordReader::CsvRecordReader(QIODevice& device) : m_device(device)
+{
+    if (csv_init(&m_parser, CSV_STRICT | CSV_STRICT_FINI) != 0)
+        throw std::bad_alloc();
+}
+
+CsvRecordReader::~CsvRecordReader()
+{
+    csv_free(&m_parser);
+}
+
+bool CsvRecordReader::refuse(int line, const QString& reason)
+{
+    m_errorLine = line;
+    m_errorReason = reason;
+    return false;
+}
+
+void CsvRecordReader::onField(void* text, std::size_t size, void* self)
+{
+    static_cast<CsvRecordReader*>(self)->m_fields.append(
+        QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size)));
+}
+
+void CsvRecordReader::onRecordEnd(int /*terminator*/, void* self)
+{
+    static_cast<CsvRecordReader*>(self)->m_hasRecord = true;
+}
+
+bool CsvRecordReader::hasMore()
+{
+    if (m_position == m_block.size()) {
+        m_block = m_device.read(blockSize);
+        m_position = 0;
+    }
+    return m_position < m_block.size();
+}
+
+// With its end. Nothing at the end of the text; of a line that is too long only the beginning.
+std::optional<QByteArray> CsvRecordReader::nextLine()
+{
+    QByteArray line;
+    while (hasMore() && line.size() <= longestLine) {
+        const qsizetype end = lineEnd(m_block, m_position);
+        if (end == m_block.size()) {
+            line += m_block.mid(m_position);
+            m_position = end;
+            continue;
+        }
+        line += m_block.mid(m_position, end + 1 - m_position);
+        m_position = end + 1;
+        if (line.endsWith('\r') && hasMore() && m_block.at(m_position) == '\n')
+            line += m_block.at(m_position++);
+        break;
+    }
+    if (line.isEmpty())
+        return std::nullopt;
+    ++m_line;
+    return line;
+}
+
+bool CsvRecordReader::acceptLine(QByteArray& line)
+{
+    if (m_line == 1) {
+        if (line.startsWith(utf16LittleMark) || line.startsWith(utf16BigMark))
+            return refuse(1, Tr::tr("UTF-16 text; only UTF-8 is read"));
+        if (line.startsWith(utf8Mark))
+            line.remove(0, static_cast<qsizetype>(qstrlen(utf8Mark)));
+    }
+    if (line.contains('\0'))
+        return refuse(m_line, Tr::tr("binary data, not text"));
+    if (line.size() > longestLine)
+        return refuse(m_line, Tr::tr("the line is too long"));
+    if (!isUtf8(line))
+        return refuse(m_line, Tr::tr("not UTF-8 text"));
+    return true;
+}
+
+bool CsvRecordReader::parseLine(const QByteArray& line)
+{
+    if (!m_isInRecord) {
+        m_recordLine = m_line;
+        m_fields.clear();
+    }
+    m_hasRecord = false;
+    const auto size = static_cast<std::size_t>(line.size());
+    if (csv_parse(&m_parser, line.constData(), size, onField, onRecordEnd, this) != size)
+        return refuse(m_line, Tr::tr("misplaced quote"));
+    m_isInRecord = !m_hasRecord && (m_isInRecord || !isBlank(line));
+    return true;
+}
+
+bool CsvRecordReader::finish()
+{
+    m_isFinished = true;
+    m_hasRecord = false;
+    if (csv_fini(&m_parser, onField, onRecordEnd, this) != 0)
+        return refuse(m_recordLine, Tr::tr("unterminated quote"));
+    return m_hasRecord;
+}
+
+bool CsvRecordReader::next()
+{
+    while (!m_isFinished) {
+        std::optional<QByteArray> line = nextLine();
+        if (!line)
+            return finish();
+        if (!acceptLine(*line) || !parseLine(*line)) {
+            m_isFinished = true;
+            return false;
+        }
+        if (m_hasRecord)
+            return true;
+    }
+    return false;
+}
+
+} // namespace VeskTimeline::Kit

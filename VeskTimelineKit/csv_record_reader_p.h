@@ -1,0 +1,65 @@
+#pragma once
+
+// Internal to the kit; not installed.
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <csv.h>
+#include <optional>
+
+class QIODevice;
+
+namespace VeskTimeline::Kit {
+
+/// Takes a CSV text apart into records, strictly, and knows on which line each of them starts.
+///
+/// Reads UTF-8 with or without byte order mark, with line ends LF, CR LF or CR. Blanks around fields that are not
+/// quoted are dropped, blank lines skipped.
+class CsvRecordReader
+{
+public:
+    /// @param device open for reading; not owned
+    explicit CsvRecordReader(QIODevice& device);
+    CsvRecordReader(const CsvRecordReader&) = delete;
+    CsvRecordReader& operator=(const CsvRecordReader&) = delete;
+    ~CsvRecordReader();
+
+    /// Goes on to the next record. False at the end of the text and when the text is refused.
+    bool next();
+    const QStringList& fields() const { return m_fields; }
+    /// The line on which the record starts, from 1.
+    int recordLine() const { return m_recordLine; }
+
+    /// Why the text is refused; null while it is not.
+    const QString& errorReason() const { return m_errorReason; }
+    /// The line that errorReason() is about; 0 for none.
+    int errorLine() const { return m_errorLine; }
+
+private:
+    static void onField(void* text, std::size_t size, void* self);
+    static void onRecordEnd(int terminator, void* self);
+
+    bool hasMore();
+    std::optional<QByteArray> nextLine();
+    bool acceptLine(QByteArray& line);
+    bool parseLine(const QByteArray& line);
+    bool finish();
+    bool refuse(int line, const QString& reason);
+
+    QIODevice& m_device;
+    csv_parser m_parser;
+    QByteArray m_block;
+    qsizetype m_position = 0;
+    QStringList m_fields;
+    int m_line = 0;
+    int m_recordLine = 0;
+    bool m_isInRecord = false;
+    bool m_hasRecord = false;
+    bool m_isFinished = false;
+    QString m_errorReason;
+    int m_errorLine = 0;
+};
+
+} // namespace VeskTimeline::Kit

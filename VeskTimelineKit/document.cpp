@@ -1,0 +1,57 @@
+#include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/result.h>
+
+#include <algorithm>
+
+namespace VeskTimeline::Kit {
+
+QString FileError::text() const
+{
+    return line > 0 ? QStringLiteral("%1:%2: %3").arg(file, QString::number(line), reason)
+                    : QStringLiteral("%1: %2").arg(file, reason);
+}
+
+int Document::itemCount() const
+{
+    std::size_t count = 0;
+    for (const DocumentTrack& track : m_tracks)
+        count += track.items.size();
+    return static_cast<int>(count);
+}
+
+std::optional<TimeSpan> Document::span() const
+{
+    std::optional<TimeSpan> span;
+    for (const DocumentTrack& track : m_tracks) {
+        for (const DocumentItem& item : track.items) {
+            if (!span)
+                span = TimeSpan{item.start, item.end()};
+            span->start = std::min(span->start, item.start);
+            span->end = std::max(span->end, item.end());
+        }
+    }
+    return span;
+}
+
+DocumentTrack& Document::track(const QStringList& path)
+{
+    Q_ASSERT(!path.isEmpty());
+    if (const auto found = m_positions.constFind(path); found != m_positions.cend())
+        return m_tracks[static_cast<std::size_t>(*found)];
+    if (path.size() > 1)
+        track(path.first(path.size() - 1));
+    m_positions.insert(path, static_cast<int>(m_tracks.size()));
+    m_tracks.push_back({path, {}});
+    return m_tracks.back();
+}
+
+void Document::merge(const Document& other)
+{
+    for (const DocumentTrack& source : other.m_tracks) {
+        DocumentTrack& target = track(source.path);
+        target.items.insert(target.items.end(), source.items.begin(), source.items.end());
+    }
+    m_warnings.append(other.m_warnings);
+}
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <VeskTimelineKit/vesktimelinekit_export.h>
+
+#include <QColor>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <vector>
+
+namespace VeskTimeline::Kit {
+
+/// One item of a document, in no model yet.
+struct DocumentItem
+{
+    /// Duration of an item that has a start and no end.
+    static constexpr int openEnded = -1;
+
+    QString label;
+    qint64 start = 0;       ///< milliseconds since the epoch, UTC
+    int duration = 0;       ///< milliseconds; openEnded for none
+    QColor color;           ///< invalid: whoever shows the item chooses
+    bool isEditable = true; ///< whether the user may move or resize the item
+
+    /// The start of an open-ended item.
+    qint64 end() const { return start + (duration > 0 ? duration : 0); }
+};
+
+/// One track of a document.
+struct DocumentTrack
+{
+    QStringList path; ///< the names from the top level down to this track; never empty
+    std::vector<DocumentItem> items;
+};
+
+/// From the earliest start to the latest end; milliseconds since the epoch.
+struct TimeSpan
+{
+    qint64 start = 0;
+    qint64 end = 0;
+};
+
+/// What a file says: tracks and their items, as plain values that can be passed between threads.
+///
+/// Every track is listed, also one that only has tracks below it, parents before their children and otherwise in the
+/// order in which they were named first. A path is there once.
+class VESKTIMELINEKIT_EXPORT Document
+{
+public:
+    const std::vector<DocumentTrack>& tracks() const { return m_tracks; }
+    int itemCount() const;
+    /// Nothing when there is no item.
+    std::optional<TimeSpan> span() const;
+
+    /// The track of that path, made with all its parents when it is not there yet. Valid until the next call.
+    /// @param path at least one name
+    DocumentTrack& track(const QStringList& path);
+
+    /// What a reader noticed and went on, in sentences for the user.
+    const QStringList& warnings() const { return m_warnings; }
+    void addWarning(const QString& text) { m_warnings.append(text); }
+
+    /// Adds the tracks, items and warnings of another document; tracks of the same path become one.
+    void merge(const Document& other);
+
+private:
+    std::vector<DocumentTrack> m_tracks;
+    QHash<QStringList, int> m_positions;
+    QStringList m_warnings;
+};
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,288 @@
+#include <VeskTimelineKit/csv_reader.h>
+
+#include <QBuffer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+Result<Document> read(QByteArray text)
+{
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    return readCsv(buffer, "f.csv");
+}
+
+// "path: label start+duration" of every item, or the error's text.
+QStringList itemTexts(const Result<Document>& result)
+{
+    if (!result)
+        return {result.error().text()};
+    QStringList texts;
+    for (const DocumentTrack& track : result.value().tracks()) {
+        for (const DocumentItem& item : track.items)
+            texts.append(
+                QString("%1: %2 %3+%4").arg(track.path.join('>'), item.label).arg(item.start).arg(item.duration));
+    }
+    return texts;
+}
+
+const QByteArray header = "track,label,start,end\n";
+
+} // namespace
+
+class TestCsvReader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".?")); }
+
+    void recordsBecomeItemsOfTheirTracks()
+    {
+        const auto result = read(header + "A,one,1000,3000\nB/C,two,1970-01-01T00:00:02Z,1970-01-01T01:00:03+01:00\n"
+                                          "A,three,0,0\n");
+        QCOMPARE(itemTexts(result), (QStringList{"A: one 1000+2000", "A: three 0+0", "B>C: two 2000+1000"}));
+        QCOMPARE(result.value().tracks().size(), std::size_t(3));
+        QCOMPARE(result.value().warnings(), QStringList());
+    }
+
+    void columnsComeInAnyOrderAndLetterCase()
+    {
+        QCOMPARE(itemTexts(read("END, Start ,LABEL,Track\n20,10,x,A\n")), QStringList{"A: x 10+10"});
+    }
+
+    void aDurationServesForTheEnd()
+    {
+        QCOMPARE(itemTexts(read("track,label,start,duration\nA,x,10,5\n")), QStringList{"A: x 10+5"});
+        QCOMPARE(itemTexts(read("track,label,start,end,duration\nA,x,10,15,5\nA,y,10,,7\nA,z,10,20,\n")),
+                 (QStringList{"A: x 10+5", "A: y 10+7", "A: z 10+10"}));
+    }
+
+    void anEmptyEndMakesAnItemOpenEnded()
+    {
+        QCOMPARE(itemTexts(read(header + "A,x,10,\n")), QStringList{"A: x 10+-1"});
+        QCOMPARE(itemTexts(read("track,label,start,end,duration\nA,x,10,,\nA,y,10,\n")),
+                 (QStringList{"A: x 10+-1", "A: y 10+-1"}));
+    }
+
+    void timesBeforeTheEpochAreTaken()
+    {
+        QCOMPARE(itemTexts(read(header + "A,x,-5000,-1000\n")), QStringList{"A: x -5000+4000"});
+    }
+
+    void theLongestDurationIsTaken()
+    {
+        QCOMPARE(itemTexts(read(header + "A,x,-1,2147483646\n")), QStringList{"A: x -1+2147483647"});
+    }
+
+    void colorAndEditableAreRead()
+    {
+        const auto result = read("track,label,start,end,color,editable\nA,1,0,1,#ff8000,false\nA,2,0,1,red,Yes\n"
+                                 "A,3,0,1,#80ff8000,0\nA,4,0,1,,\nA,5,0,1\n");
+        QVERIFY2(result, qPrintable(itemTexts(result).join('\n')));
+        const std::vector<DocumentItem>& items = result.value().tracks().front().items;
+        QCOMPARE(items.size(), std::size_t(5));
+        QCOMPARE(items[0].color, QColor(255, 128, 0));
+        QVERIFY(!items[0].isEditable);
+        QCOMPARE(items[1].color, QColor(Qt::red));
+        QVERIFY(items[1].isEditable);
+        QCOMPARE(items[2].color, QColor(255, 128, 0, 128));
+        QVERIFY(!items[2].isEditable);
+        for (const std::size_t i : {3u, 4u}) {
+            QVERIFY(!items[i].color.isValid());
+            QVERIFY(items[i].isEditable);
+        }
+    }
+
+    void quotedFieldsMayHoldAnything()
+    {
+        QCOMPARE(itemTexts(read(header + "\"A, B\",\"say \"\"x\"\"\ntwice\",0,1\n")),
+                 QStringList{"A, B: say \"x\"\ntwice 0+1"});
+    }
+
+    void anyLineEndsAreTaken_data()
+    {
+        QTest::addColumn<QByteArray>("end");
+        QTest::newRow("LF") << QByteArray("\n");
+        QTest::newRow("CR LF") << QByteArray("\r\n");
+        QTest::newRow("CR") << QByteArray("\r");
+    }
+    void anyLineEndsAreTaken()
+    {
+        QFETCH(QByteArray, end);
+        QByteArray text = header + "A,x,1,2\n\n  \nA,\"y\nz\",3,4\nA,bad,5,4\n";
+        text.replace("\n", end);
+        QCOMPARE(itemTexts(read(text)), QStringList{"f.csv:7: the end is before the start"});
+        text.replace("bad,5,4", "good,5,6");
+        QCOMPARE(itemTexts(read(text)), (QStringList{"A: x 1+1", "A: y" + end + "z 3+1", "A: good 5+1"}));
+        text.chop(end.size());
+        QCOMPARE(itemTexts(read(text)).size(), 3);
+    }
+
+    void linesAreCountedAcrossBlocksOfAnySize()
+    {
+        // The reader takes the text in blocks; a line end may fall on any edge of them.
+        for (const QByteArray end : {"\n", "\r\n", "\r"}) {
+            for (int length = 65530; length < 65540; ++length) {
+                const QByteArray head = "track,label,start,end" + end + "A,";
+                const QByteArray label(length - head.size() - 4, 'x');
+                const auto result = read(head + label + ",1,2" + end + end + "A,y,2,1" + end);
+                QCOMPARE(itemTexts(result), QStringList{"f.csv:4: the end is before the start"});
+            }
+        }
+    }
+
+    void aByteOrderMarkIsLeftOut()
+    {
+        QCOMPARE(itemTexts(read("\xEF\xBB\xBF" + header + "A,x,1,2\n")), QStringList{"A: x 1+1"});
+    }
+
+    void recordsOfEmptyFieldsAreSkipped()
+    {
+        QCOMPARE(itemTexts(read(header + ",,,\n,,,,,\nA,x,1,2\n")), QStringList{"A: x 1+1"});
+    }
+
+    void emptyFieldsPastTheLastColumnDoNotCount()
+    {
+        QCOMPARE(itemTexts(read(header + "A,x,1,2,,\n")), QStringList{"A: x 1+1"});
+    }
+
+    void otherColumnsAreLeftOutWithAWarning()
+    {
+        const auto result = read("track,note,label,start,end,\nA,abc,x,1,2,\n");
+        QCOMPARE(itemTexts(result), QStringList{"A: x 1+1"});
+        QCOMPARE(result.value().warnings(),
+                 (QStringList{"f.csv: column \"note\" is left out", "f.csv: a column without a name is left out"}));
+    }
+
+    void cutTimesAreWarnedOf()
+    {
+        const auto result = read(header + "A,x,1970-01-01T00:00:00.0015Z,1970-01-01T00:00:00.0035Z\n");
+        QCOMPARE(itemTexts(result), QStringList{"A: x 1+2"});
+        QCOMPARE(result.value().warnings(), QStringList{"f.csv: times cut to whole milliseconds: 2"});
+    }
+
+    void aHeaderAloneIsAnEmptyDocument()
+    {
+        const auto result = read(header);
+        QVERIFY(result);
+        QCOMPARE(result.value().tracks().size(), std::size_t(0));
+    }
+
+    void badTextIsRefusedWithItsLine_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("error");
+
+        const auto row = [](const char* name, const QByteArray& text, const char* error) {
+            QTest::newRow(name) << text << QString::fromUtf8(error);
+        };
+        const QByteArray good = "A,x,1,2\n";
+        row("empty", "", "f.csv: the file is empty");
+        row("mark only", "\xEF\xBB\xBF", "f.csv: the file is empty");
+        row("blank lines only", "\n \n\r\n", "f.csv: the file is empty");
+        row("no track", "label,start,end\nx,1,2\n", "f.csv:1: column \"track\" is missing");
+        row("no label", "\ntrack,start,end\n", "f.csv:2: column \"label\" is missing");
+        row("no start and end", "track,label\n",
+            "f.csv:1: column \"start\" is missing, column \"end\" or \"duration\" is missing");
+        row("no header", "A,x,1,2\n",
+            "f.csv:1: column \"track\" is missing, column \"label\" is missing, column \"start\" is missing, column "
+            "\"end\" or \"duration\" is missing");
+        row("column twice", "track,label,start,end,Start\n", "f.csv:1: column \"start\" is there twice");
+        row("bad start", header + good + "A,x,soon,2\n",
+            "f.csv:3: bad start \"soon\": neither an ISO 8601 time with its zone nor milliseconds since 1970");
+        row("start without zone", header + "A,x,1970-01-01T00:00:00,2\n",
+            "f.csv:2: bad start \"1970-01-01T00:00:00\": neither an ISO 8601 time with its zone nor milliseconds since "
+            "1970");
+        row("no start", header + "A,x,,2\n",
+            "f.csv:2: bad start \"\": neither an ISO 8601 time with its zone nor milliseconds since 1970");
+        row("bad end", header + "A,x,1,1e3\n",
+            "f.csv:2: bad end \"1e3\": neither an ISO 8601 time with its zone nor milliseconds since 1970");
+        row("too far", header + "A,x,1,8640000000000001\n",
+            "f.csv:2: bad end \"8640000000000001\": neither an ISO 8601 time with its zone nor milliseconds since "
+            "1970");
+        row("long bad start", header + "A,x,\"" + QByteArray(100, 'y') + "\",2\n",
+            "f.csv:2: bad start \"yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy…\": neither an ISO 8601 time with its zone "
+            "nor milliseconds since 1970");
+        row("end before start", header + good + "\n\nA,x,2,1\n", "f.csv:5: the end is before the start");
+        row("too long", header + "A,x,0,2147483648\n",
+            "f.csv:2: the item lasts 2147483648 ms; more than 2147483647 ms (24.8 days) are not possible");
+        row("far too long", header + "A,x,-8640000000000000,8640000000000000\n",
+            "f.csv:2: the item lasts 17280000000000000 ms; more than 2147483647 ms (24.8 days) are not possible");
+        row("bad duration", "track,label,start,duration\nA,x,0,1.5\n",
+            "f.csv:2: bad duration \"1.5\": not a whole number of milliseconds");
+        row("negative duration", "track,label,start,duration\nA,x,0,-1\n", "f.csv:2: the duration is negative");
+        row("end against duration", "track,label,start,end,duration\nA,x,0,5,6\n",
+            "f.csv:2: end and duration contradict each other");
+        row("no track name", header + ",x,1,2\n", "f.csv:2: the track has no name");
+        row("gap in the path", header + "A//B,x,1,2\n", "f.csv:2: a track in the path \"A//B\" has no name");
+        row("deep path", header + "A" + QByteArray("/A").repeated(100) + ",x,1,2\n",
+            "f.csv:2: the track is more than 100 levels deep");
+        row("bad color", "track,label,start,end,color\nA,x,1,2,#12\n", "f.csv:2: bad color \"#12\"");
+        row("bad editable", "track,label,start,end,editable\nA,x,1,2,maybe\n",
+            "f.csv:2: bad editable \"maybe\": neither true nor false");
+        row("short of the end", header + "A,x,1\n", "f.csv:2: the line ends before its end");
+        row("short of the start", header + "A,x\n", "f.csv:2: the line ends before its field \"start\"");
+        row("short of the label", header + "A\n", "f.csv:2: the line ends before its field \"label\"");
+        row("long", header + "A,x,y,1,2\n", "f.csv:2: 5 fields, but the header names 4");
+        row("line of a record with line breaks", header + "A,\"x\ny\nz\",2,1\n",
+            "f.csv:2: the end is before the start");
+        row("line after a record with line breaks", header + "A,\"x\n\nz\",1,2\nA,x,2,1\n",
+            "f.csv:5: the end is before the start");
+        row("unterminated quote", header + good + "A,\"x,1,2\nA,y,1,2\n", "f.csv:3: unterminated quote");
+        row("quote inside", header + "A,x\"y,1,2\n", "f.csv:2: misplaced quote");
+        row("text after a quote", header + good + "A,\"x\"y,1,2\n", "f.csv:3: misplaced quote");
+        row("Latin-1", header + good + "A,\xE9,1,2\n", "f.csv:3: not UTF-8 text");
+        row("Latin-1 in a record of several lines", header + "A,\"x\n\xE9\n\",1,2\n", "f.csv:3: not UTF-8 text");
+        row("cut UTF-8 at the end", header + "A,x,1,\xE2\x80", "f.csv:2: not UTF-8 text");
+        row("UTF-16", QByteArray("\xFF\xFEt\0r\0", 6), "f.csv:1: UTF-16 text; only UTF-8 is read");
+        row("binary",
+            QByteArray("\x7F"
+                       "ELF\0\1",
+                       6),
+            "f.csv:1: binary data, not text");
+        row("binary later", header + QByteArray("A,x\0,1,2\n", 9), "f.csv:2: binary data, not text");
+        row("endless line", QByteArray(17 * 1024 * 1024, 'x'), "f.csv:1: the line is too long");
+    }
+    void badTextIsRefusedWithItsLine()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, error);
+        QCOMPARE(itemTexts(read(text)), QStringList{error});
+    }
+
+    void aFileIsRead()
+    {
+        QTemporaryDir dir;
+        QFile file(dir.filePath("ä.csv"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(header + "Größe,–,1,2\n");
+        file.close();
+        QCOMPARE(itemTexts(readCsv(file.fileName())), QStringList{"Größe: – 1+1"});
+    }
+
+    void aFileThatCannotBeReadIsRefused()
+    {
+        // Opens like any file, and fails at the first read.
+        const QString unreadable = QStringLiteral("/proc/self/mem");
+        if (!QFile::exists(unreadable))
+            QSKIP("there is no such file on this system");
+        QCOMPARE(itemTexts(readCsv(unreadable)), QStringList{unreadable + ": Input/output error"});
+    }
+
+    void whatIsNoFileIsRefusedWithoutALine()
+    {
+        QTemporaryDir dir;
+        const QString missing = dir.filePath("missing.csv");
+        QCOMPARE(itemTexts(readCsv(missing)), QStringList{missing + ": No such file or directory"});
+        QCOMPARE(itemTexts(readCsv(QString())), QStringList{": no file name"});
+        QCOMPARE(itemTexts(readCsv(dir.path())), QStringList{dir.path() + ": is a directory"});
+    }
+};
+
+QTEST_APPLESS_MAIN(TestCsvReader)
+#include "tst_csv_reader.moc"

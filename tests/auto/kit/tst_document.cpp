@@ -1,0 +1,106 @@
+#include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/result.h>
+
+#include <QTest>
+
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+DocumentItem item(const QString& label, qint64 start, int duration)
+{
+    return {label, start, duration, {}, true};
+}
+
+QStringList paths(const Document& document)
+{
+    QStringList texts;
+    for (const DocumentTrack& track : document.tracks())
+        texts.append(track.path.join('>'));
+    return texts;
+}
+
+} // namespace
+
+class TestDocument : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".?")); }
+
+    void anEmptyDocumentHasNoSpan()
+    {
+        Document document;
+        QVERIFY(!document.span());
+        QCOMPARE(document.itemCount(), 0);
+        document.track({"A"});
+        QVERIFY(!document.span());
+    }
+
+    void aTrackComesWithItsParentsBeforeIt()
+    {
+        Document document;
+        document.track({"A", "B", "C"});
+        document.track({"D"});
+        document.track({"A", "E"});
+        QCOMPARE(paths(document), (QStringList{"A", "A>B", "A>B>C", "D", "A>E"}));
+    }
+
+    void aPathIsThereOnce()
+    {
+        Document document;
+        document.track({"A", "B"}).items.push_back(item("1", 0, 1));
+        document.track({"A", "B"}).items.push_back(item("2", 0, 1));
+        QCOMPARE(paths(document), (QStringList{"A", "A>B"}));
+        QCOMPARE(document.track({"A", "B"}).items.size(), std::size_t(2));
+    }
+
+    void theSpanGoesFromTheEarliestStartToTheLatestEnd()
+    {
+        Document document;
+        document.track({"A"}).items = {item("1", 100, 50), item("2", -20, 5)};
+        document.track({"B"}).items = {item("3", 90, 200), item("4", 200, 10)};
+        QCOMPARE(document.span()->start, -20);
+        QCOMPARE(document.span()->end, 290);
+        QCOMPARE(document.itemCount(), 4);
+    }
+
+    void ofAnOpenEndedItemTheSpanKnowsTheStart()
+    {
+        Document document;
+        document.track({"A"}).items = {item("1", 100, DocumentItem::openEnded)};
+        QCOMPARE(document.span()->start, 100);
+        QCOMPARE(document.span()->end, 100);
+    }
+
+    void mergingJoinsTracksOfTheSamePath()
+    {
+        Document first;
+        first.track({"A", "B"}).items = {item("1", 0, 1)};
+        first.addWarning("w1");
+        Document second;
+        second.track({"C"}).items = {item("2", 0, 1)};
+        second.track({"A", "B"}).items = {item("3", 0, 1)};
+        second.addWarning("w2");
+
+        first.merge(second);
+        QCOMPARE(paths(first), (QStringList{"A", "A>B", "C"}));
+        const auto& items = first.track({"A", "B"}).items;
+        QCOMPARE(items.size(), std::size_t(2));
+        QCOMPARE(items[0].label, "1");
+        QCOMPARE(items[1].label, "3");
+        QCOMPARE(first.warnings(), (QStringList{"w1", "w2"}));
+        QCOMPARE(paths(second), (QStringList{"C", "A", "A>B"}));
+    }
+
+    void anErrorNamesFileLineAndReason()
+    {
+        QCOMPARE((FileError{"a.csv", 3, "bad"}).text(), "a.csv:3: bad");
+        QCOMPARE((FileError{"a.csv", 0, "bad"}).text(), "a.csv: bad");
+        QCOMPARE((FileError{"a%1.csv", 3, "%2 bad"}).text(), "a%1.csv:3: %2 bad");
+    }
+};
+
+QTEST_APPLESS_MAIN(TestDocument)
+#include "tst_document.moc"

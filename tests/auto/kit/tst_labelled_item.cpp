@@ -1,0 +1,220 @@
+#include <VeskTimelineKit/labelled_item.h>
+
+#include <QImage>
+#include <QModelIndex>
+#include <QPainter>
+#include <QStyleOptionViewItem>
+#include <QTest>
+
+using namespace VeskTimeline;
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+constexpr QRect cell(0, 0, 200, 50);
+const QColor orange(245, 133, 24);
+const QColor navy(20, 30, 90);
+
+// The item as a view's delegate has it painted: with its own rectangle, clipped to the cell.
+QImage painted(const LabelledItem& item, const QRect& rect, bool isSelected = false)
+{
+    QImage image(cell.size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setClipRect(cell);
+    QStyleOptionViewItem option;
+    option.rect = rect;
+    option.palette.setColor(QPalette::Base, Qt::white);
+    item.paint(&painter, option, QModelIndex(), isSelected);
+    return image;
+}
+
+QRect areaOtherThan(const QImage& image, const QColor& background, const QRect& within = cell)
+{
+    QRect area;
+    for (int y = within.top(); y <= within.bottom(); ++y) {
+        for (int x = within.left(); x <= within.right(); ++x) {
+            if (image.pixelColor(x, y) != background)
+                area = area.united(QRect(x, y, 1, 1));
+        }
+    }
+    return area;
+}
+
+// How many pixels within the label's room are nearly of that colour; letters have soft edges.
+int pixelsLike(const QImage& image, const QColor& color)
+{
+    const auto isNear = [](int a, int b) { return std::abs(a - b) < 80; };
+    int count = 0;
+    for (int y = 10; y < 40; ++y) {
+        for (int x = 24; x < 120; ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (isNear(pixel.red(), color.red()) && isNear(pixel.green(), color.green()) &&
+                isNear(pixel.blue(), color.blue()))
+                ++count;
+        }
+    }
+    return count;
+}
+
+// Rectangle of an item as ItemDelegate computes it from the pixels of start and end.
+QRect barRect(int start, int end)
+{
+    return QRect(QPoint(std::max(start, cell.left()), 0), QPoint(std::min(end, cell.right()) - 1, cell.bottom()));
+}
+
+} // namespace
+
+class TestLabelledItem : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".?")); }
+
+    void theBarFillsItsTimeWithAMarginToTheRow()
+    {
+        const QImage image = painted(LabelledItem("", 0, 1000, orange, true), barRect(20, 120));
+        QCOMPARE(areaOtherThan(image, Qt::white), QRect(20, 4, 100, 42));
+        QCOMPARE(image.pixelColor(70, 25), orange);
+        QCOMPARE(image.pixel(20, 25), orange.darker(180).rgb());
+    }
+
+    void aSelectedBarIsOutlinedInTheHighlightColour()
+    {
+        const QImage image = painted(LabelledItem("", 0, 1000, orange, true), barRect(20, 120), true);
+        QCOMPARE(image.pixelColor(20, 25), Item::s_highlightColor);
+        QCOMPARE(image.pixelColor(70, 25), orange);
+    }
+
+    void theLabelStaysInsideTheBar()
+    {
+        const LabelledItem item("A label that is much longer than its bar", 0, 1000, orange, true);
+        const QImage image = painted(item, barRect(20, 120));
+        QCOMPARE(areaOtherThan(image, Qt::white), QRect(20, 4, 100, 42));
+        const QRect text = areaOtherThan(image, orange, QRect(21, 5, 98, 40));
+        QVERIFY(!text.isEmpty());
+        QVERIFY2(text.left() >= 24 && text.right() <= 115,
+                 qPrintable(QString("%1 to %2").arg(text.left()).arg(text.right())));
+        QVERIFY(text.right() > 80);
+    }
+
+    void aLabelTooLongForItsRoomIsNotLeftOutBeforeItMustBe()
+    {
+        const auto hasText = [&](const QString& label, int width) {
+            const QImage image = painted(LabelledItem(label, 0, 1000, orange, true), barRect(20, 20 + width));
+            return !areaOtherThan(image, orange, QRect(21, 5, width - 2, 40)).isEmpty();
+        };
+        QVERIFY(hasText("A long label", 100));
+        QVERIFY(!hasText("A long label", 20));
+        QVERIFY(hasText("i", 20));
+        QVERIFY(!hasText("", 100));
+    }
+
+    void theLabelIsBlackOrWhiteByTheColourOfTheBar_data()
+    {
+        QTest::addColumn<QColor>("bar");
+        QTest::addColumn<QColor>("text");
+        QTest::newRow("orange") << orange << QColor(Qt::black);
+        QTest::newRow("navy") << navy << QColor(Qt::white);
+        QTest::newRow("black") << QColor(Qt::black) << QColor(Qt::white);
+        QTest::newRow("white") << QColor(Qt::white) << QColor(Qt::black);
+        QTest::newRow("yellow") << QColor(Qt::yellow) << QColor(Qt::black);
+        QTest::newRow("blue") << QColor(Qt::blue) << QColor(Qt::white);
+    }
+    void theLabelIsBlackOrWhiteByTheColourOfTheBar()
+    {
+        QFETCH(QColor, bar);
+        QFETCH(QColor, text);
+        QCOMPARE(LabelledItem::readableTextColor(bar), text);
+
+        const QImage image = painted(LabelledItem("MMMMMMMM", 0, 1000, bar, true), barRect(20, 180));
+        QVERIFY(pixelsLike(image, text) > 50);
+        const QColor other = text == QColor(Qt::black) ? Qt::white : Qt::black;
+        if (bar != other)
+            QCOMPARE(pixelsLike(image, other), 0);
+    }
+
+    void theTextOnATranslucentBarIsForWhatIsSeen()
+    {
+        QColor faint = navy;
+        faint.setAlpha(20);
+        const QImage image = painted(LabelledItem("MMMMMMMM", 0, 1000, faint, true), barRect(20, 180));
+        QVERIFY(pixelsLike(image, Qt::black) > 50);
+    }
+
+    void severalLinesAreShownAsOne()
+    {
+        QCOMPARE(painted(LabelledItem("a\n b", 0, 1000, orange, true), barRect(20, 180)),
+                 painted(LabelledItem("a b", 0, 1000, orange, true), barRect(20, 180)));
+    }
+
+    void anItemWithoutDurationIsADiamondOnALine()
+    {
+        const QImage image = painted(LabelledItem("x", 0, 0, orange, true), barRect(100, 100));
+        const QRect area = areaOtherThan(image, Qt::white);
+        QCOMPARE(area.center().x(), 100);
+        QVERIFY2(area.width() >= 11 && area.width() <= 13, qPrintable(QString::number(area.width())));
+        QCOMPARE(area.top(), 4);
+        QCOMPARE(area.bottom(), 45);
+        QCOMPARE(image.pixelColor(100, 25), orange);
+        QCOMPARE(image.pixelColor(100, 6), orange);
+        QCOMPARE(image.pixelColor(95, 15), QColor(Qt::white));
+    }
+
+    void aBarTooNarrowToBeSeenIsADiamond()
+    {
+        QCOMPARE(painted(LabelledItem("x", 0, 100, orange, true), barRect(100, 102)),
+                 painted(LabelledItem("x", 0, 0, orange, true), barRect(100, 100)));
+        QCOMPARE(areaOtherThan(painted(LabelledItem("x", 0, 100, orange, true), barRect(100, 103)), Qt::white),
+                 QRect(100, 4, 3, 42));
+    }
+
+    void nothingIsPaintedOfItemsOutsideTheCell()
+    {
+        const LabelledItem item("x", 0, 1000, orange, true);
+        for (const QRect& rect : {barRect(-500, -20), barRect(-5, -1), barRect(201, 300), barRect(900, 1000)})
+            QVERIFY(areaOtherThan(painted(item, rect), Qt::white).isEmpty());
+        const LabelledItem instant("x", 0, 0, orange, true);
+        for (const QRect& rect : {barRect(-1, -1), barRect(-900, -900), barRect(200, 200), barRect(900, 900)})
+            QVERIFY(areaOtherThan(painted(instant, rect), Qt::white).isEmpty());
+    }
+
+    void anOpenEndedItemReachesToTheEndOfTheCell()
+    {
+        const LabelledItem item("", 0, -1, orange, true);
+        QCOMPARE(areaOtherThan(painted(item, barRect(50, 49)), Qt::white), QRect(50, 4, 150, 42));
+        QCOMPARE(areaOtherThan(painted(item, barRect(-500, -501)), Qt::white), QRect(0, 4, 200, 42));
+        QVERIFY(areaOtherThan(painted(item, barRect(300, 299)), Qt::white).isEmpty());
+    }
+
+    void thePainterComesBackAsItWas()
+    {
+        QImage image(cell.size(), QImage::Format_RGB32);
+        QPainter painter(&image);
+        painter.setPen(QPen(Qt::magenta, 7));
+        painter.setBrush(Qt::cyan);
+        QStyleOptionViewItem option;
+        for (const QRect& rect : {barRect(20, 120), barRect(100, 100), barRect(-50, -20)}) {
+            option.rect = rect;
+            LabelledItem("x", 0, 10, orange, true).paint(&painter, option, QModelIndex(), true);
+            QCOMPARE(painter.pen(), QPen(Qt::magenta, 7));
+            QCOMPARE(painter.brush(), QBrush(Qt::cyan));
+            QVERIFY(!painter.testRenderHint(QPainter::Antialiasing));
+        }
+    }
+
+    void theLabelIsKept()
+    {
+        LabelledItem item("x", 5, 6, orange, false);
+        QCOMPARE(item.label(), "x");
+        QCOMPARE(item.startTime(), 5);
+        QCOMPARE(item.duration(), 6);
+        QVERIFY(!item.isEditable());
+        item.setLabel("y");
+        QCOMPARE(item.label(), "y");
+    }
+};
+
+QTEST_MAIN(TestLabelledItem)
+#include "tst_labelled_item.moc"

@@ -1,0 +1,281 @@
+#include <VeskTimelineKit/csv_reader.h>
+#include <VeskTimelineKit/csv_writer.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString program = QStringLiteral(PROGRAM_FILE);
+const QString sample = QStringLiteral(SAMPLE_FILE);
+
+struct Run
+{
+    int status = -1;
+    QString output;
+    QString errors;
+};
+
+enum class Platform { None, Offscreen };
+
+Run run(const QStringList& arguments, Platform platform = Platform::None)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* const name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        environment.remove(name);
+    if (platform == Platform::Offscreen)
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
+        return {-1, process.errorString(), QString::fromUtf8(process.readAllStandardError())};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+QByteArray content(const QString& fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
+}
+
+} // namespace
+
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(".?"));
+        m_dir.reset(new QTemporaryDir);
+        QVERIFY(m_dir->isValid());
+    }
+
+    void infoIsOneJsonObject()
+    {
+        const Run result = run({"--info", sample});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QVERIFY(QJsonDocument::fromJson(result.output.toUtf8()).isObject());
+        QCOMPARE(result.output,
+                 "{\"end\":93644135000,\"items\":105,\"start\":92554380000,\"tracks\":9,\"warnings\":[]}\n");
+    }
+
+    void infoOfNoItemsHasNoTimes()
+    {
+        const Run result = run({"--info", write("a.csv", "track,label,start,end\n")});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, "{\"end\":null,\"items\":0,\"start\":null,\"tracks\":0,\"warnings\":[]}\n");
+    }
+
+    void infoListsWarningsAndWritesLargeTimesAsIntegers()
+    {
+        const QString file =
+            write("a.csv", "track,label,start,end,note\nA/B,x,-8640000000000000,-8639999999999999,n\n");
+        const Run result = run({"--info", file});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QString("{\"end\":-8639999999999999,\"items\":1,\"start\":-8640000000000000,"
+                                        "\"tracks\":2,\"warnings\":[\"%1: column \\\"note\\\" is left out\"]}\n")
+                                    .arg(file));
+    }
+
+    void tracksOfSeveralFilesJoin()
+    {
+        const QString a = write("a.csv", "track,label,start,end\nA/B,x,5,6\nC,x,5,6\n");
+        const QString b = write("b.csv", "track,label,start,duration\nC,x,1,1\nA/B,x,9,1\nA/D,x,5,1\n");
+        QCOMPARE(run({"--info", a, b}).output, "{\"end\":10,\"items\":5,\"start\":1,\"tracks\":4,\"warnings\":[]}\n");
+    }
+
+    void refusedFilesAreReportedOneLineEach()
+    {
+        const QString good = write("good.csv", "track,label,start,end\nA,x,5,6\n");
+        const QString late = write("late.csv", "track,label,start,end\nA,\"x\ny\",5,6\nA,x,6,5\n");
+        const QString empty = write("empty.csv", "");
+        const QString missing = m_dir->filePath("missing.csv");
+        const Run result = run({"--info", good, late, empty, missing, m_dir->path()});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.errors, QString("%1:4: the end is before the start\n%2: the file is empty\n"
+                                        "%3: No such file or directory\n%4: is a directory\n")
+                                    .arg(late, empty, missing, m_dir->path()));
+    }
+
+    void aFileIsRefusedAlikeByEveryAction_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("window") << QStringList{};
+        QTest::newRow("info") << QStringList{"--info"};
+        QTest::newRow("convert") << QStringList{"--convert", "OUT.csv"};
+        QTest::newRow("screenshot") << QStringList{"--screenshot", "OUT.png"};
+    }
+    void aFileIsRefusedAlikeByEveryAction()
+    {
+        QFETCH(QStringList, options);
+        for (QString& option : options)
+            option.replace("OUT", m_dir->filePath("OUT"));
+        const QString bad = write("bad.csv", "track,label,start,end\nA,x,5,6\nA,\"x,6,5\n");
+        for (const Platform platform : {Platform::None, Platform::Offscreen}) {
+            const Run result = run(options + QStringList{sample, bad}, platform);
+            QCOMPARE(result.status, 1);
+            QCOMPARE(result.output, QString());
+            QCOMPARE(result.errors, bad + ":3: unterminated quote\n");
+            QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"bad.csv"});
+        }
+    }
+
+    void convertingWritesTheFile()
+    {
+        const QString out = m_dir->filePath("out.csv");
+        const Run result = run({"--convert", out, sample});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(content(out), csvText(VeskTimeline::Kit::readCsv(sample).value()));
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.csv"});
+    }
+
+    void aFileCanBeConvertedIntoItself()
+    {
+        const QString file = write("a.csv", "label,track,start,end\nx,A,5,6\n");
+        QCOMPARE(run({"--convert", file, file}).status, 0);
+        QCOMPARE(content(file), QByteArray("track,label,start,end,color,editable\n"
+                                           "A,x,1970-01-01T00:00:00.005Z,1970-01-01T00:00:00.006Z,,true\n"));
+    }
+
+    void aRefusedFileLeavesWhatWasThereBefore()
+    {
+        const QString out = write("out.csv", "old");
+        QCOMPARE(run({"--convert", out, sample, m_dir->filePath("missing.csv")}).status, 1);
+        QCOMPARE(content(out), QByteArray("old"));
+    }
+
+    void whatIsLeftOutByConvertingIsWarnedOf()
+    {
+        const QString file = write("a.csv", "track,label,start,end,note\nA,x,5,6,n\n");
+        const Run result = run({"--convert", m_dir->filePath("out.csv"), file});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.errors, QString("warning: %1: column \"note\" is left out\n").arg(file));
+    }
+
+    void anOutputThatCannotBeWrittenIsReported()
+    {
+        const QString csv = m_dir->filePath("no/out.csv");
+        Run result = run({"--convert", csv, sample});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, csv + ": No such file or directory\n");
+
+        const QString png = m_dir->filePath("no/out.png");
+        result = run({"--screenshot", png, sample});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.endsWith(png + ": No such file or directory\n"), qPrintable(result.errors));
+    }
+
+    void aScreenshotIsAPictureOfTheWindow()
+    {
+        const QString withFile = m_dir->filePath("a.png");
+        const QString empty = m_dir->filePath("b.PNG");
+        for (const Platform platform : {Platform::None, Platform::Offscreen}) {
+            QCOMPARE(run({"--screenshot", withFile, sample}, platform).status, 0);
+            QCOMPARE(run({"--screenshot", empty}, platform).status, 0);
+            const QImage picture(withFile);
+            QCOMPARE(picture.size(), QSize(1200, 640));
+            QVERIFY(picture != QImage(empty));
+            // The colour of the first track's items, which fill the row.
+            int pixels = 0;
+            for (int x = 0; x < picture.width(); ++x)
+                pixels += picture.pixelColor(x, 120) == QColor("#4c78a8") ? 1 : 0;
+            QVERIFY2(pixels > 700, qPrintable(QString::number(pixels)));
+            QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
+        }
+    }
+
+    void withoutADisplayThereIsNoWindow()
+    {
+        const Run result = run({sample});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, "there is no display; --screenshot OUT.png saves a picture of the window\n");
+    }
+
+    void theFormatCanBeGiven()
+    {
+        const QString file = write("a.txt", "track,label,start,end\nA,x,5,6\n");
+        const QString info = "{\"end\":6,\"items\":1,\"start\":5,\"tracks\":1,\"warnings\":[]}\n";
+        QCOMPARE(run({"--info", "--from", "csv", file}).output, info);
+        QCOMPARE(run({"--info", "--from=CSV", file}).output, info);
+        QCOMPARE(run({"--info", file}).output, info);
+    }
+
+    void wrongUsageIsToldApart_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("error");
+        const auto row = [](const char* name, const QStringList& arguments, const char* error) {
+            QTest::newRow(name) << arguments << QString("vesk-timeline-workbench: %1\n").arg(error);
+        };
+        row("unknown option", {"--nonsense"}, "Unknown option 'nonsense'.");
+        row("no output", {sample, "--convert"}, "Missing value after '--convert'.");
+        row("no picture", {"--screenshot"}, "Missing value after '--screenshot'.");
+        row("info of nothing", {"--info"}, "--info needs a FILE");
+        row("nothing to convert", {"--convert", "x.csv"}, "--convert needs a FILE");
+        row("two actions", {"--info", "--screenshot", "x.png", sample}, "--info, --screenshot do not go together");
+        row("two outputs", {"--convert", "x.csv", "--convert", "y.csv", sample}, "--convert is there more than once");
+        row("output without format", {"--convert", "x", sample}, "no format to write has the suffix of \"x\"");
+        row("output of unknown format", {"--convert", "x.doc", sample},
+            "no format to write has the suffix of \"x.doc\"");
+        row("picture of another kind", {"--screenshot", "x.jpg"},
+            "the name of a picture ends in .png, not so \"x.jpg\"");
+        row("unknown format", {"--info", "--from", "nonsense", sample}, "there is no format \"nonsense\"");
+    }
+    void wrongUsageIsToldApart()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, error);
+        const Run result = run(arguments);
+        QCOMPARE(result.errors, error);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.status, 2);
+    }
+
+    void helpAndVersionArePrinted()
+    {
+        const Run help = run({"--help"});
+        QCOMPARE(help.status, 0);
+        QCOMPARE(help.errors, QString());
+        for (const char* const option :
+             {"--info", "--convert <OUT>", "--screenshot <OUT.png>", "--from <FORMAT>", "csv"})
+            QVERIFY2(help.output.contains(option), option);
+        const Run version = run({"--version"});
+        QCOMPARE(version.status, 0);
+        QVERIFY(QRegularExpression("^vesk-timeline-workbench \\d+\\.\\d+\\.\\d+\n$").match(version.output).hasMatch());
+    }
+
+    void fileNamesThatLookLikeOptionsFollowADoubleDash()
+    {
+        const Run result = run({"--info", "--", "-style"});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, "-style: No such file or directory\n");
+    }
+
+private:
+    QString write(const QString& name, const QByteArray& text)
+    {
+        QFile file(m_dir->filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+            qFatal("cannot write %s", qPrintable(file.fileName()));
+        return file.fileName();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+QTEST_APPLESS_MAIN(TestCommandLine)
+#include "tst_command_line.moc"

@@ -1,0 +1,334 @@
+#include "support/input.h"
+
+#include <VeskTimeline/timeline_header_view.h>
+#include <VeskTimeline/timeline_view.h>
+#include <VeskTimeline/timeline_widget.h>
+#include <VeskTimelineKit/standard_timeline_model.h>
+
+#include <QAction>
+#include <QFile>
+#include <QLabel>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <workbench/icons.h>
+#include <workbench/item_hover_text.h>
+#include <workbench/main_window.h>
+
+using namespace VeskTimeline;
+using Workbench::MainWindow;
+
+namespace {
+
+// The offscreen platform remarks on every window that limits its size.
+const QRegularExpression unexpectedWarning("^(?!This plugin does not support propagateSizeHints)");
+
+const QString sample = QStringLiteral(SAMPLE_FILE);
+constexpr qint64 sampleStart = 92554380000;
+constexpr qint64 sampleEnd = 93644135000;
+constexpr qint64 day = 86400000;
+
+QStringList texts(const QList<Kit::FileError>& errors)
+{
+    QStringList lines;
+    for (const Kit::FileError& error : errors)
+        lines.append(error.text());
+    return lines;
+}
+
+// All that the status bar shows, in order.
+QStringList statusTexts(const MainWindow& window)
+{
+    QStringList shown;
+    for (const QLabel* const label : window.statusBar()->findChildren<QLabel*>()) {
+        if (!label->isHidden())
+            shown.append(label->text());
+    }
+    return shown;
+}
+
+QAction* action(const MainWindow& window, const char* name)
+{
+    return window.findChild<QAction*>(name);
+}
+
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(unexpectedWarning);
+        QVERIFY(m_dir.isValid());
+    }
+
+    void anEmptyWindowShowsToday()
+    {
+        MainWindow window;
+        QCOMPARE(window.windowTitle(), "VeskTimeline Workbench");
+        QCOMPARE(window.model()->rowCount(), 0);
+        QCOMPARE(window.timeline()->startTime() % day, 0);
+        QCOMPARE(window.timeline()->duration(), int(day));
+        QCOMPARE(statusTexts(window), QStringList{"0 tracks, 0 items"});
+    }
+
+    void theSampleIsShownFromItsStartAtTheWidestZoom()
+    {
+        MainWindow window;
+        QCOMPARE(texts(window.openFiles({sample})), QStringList());
+        QCOMPARE(window.windowTitle(), "apollo17.csv – VeskTimeline Workbench");
+        QCOMPARE(window.model()->rowCount(), 9);
+        QCOMPARE(window.model()->itemIds().size(), 105);
+        QCOMPARE(window.timeline()->startTime(), sampleStart);
+        QCOMPARE(window.timeline()->endTime(), sampleEnd);
+        QCOMPARE(window.timeline()->currentTime(), sampleStart);
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::OneDay);
+        QCOMPARE(window.timeline()->slider()->minimum(), int(sampleStart / 1000));
+        QCOMPARE(window.timeline()->slider()->maximum(), int((sampleEnd - day) / 1000));
+        QCOMPARE(statusTexts(window), QStringList{"9 tracks, 105 items, 1972-12-07T05:33:00Z – 1972-12-19T20:15:35Z"});
+    }
+
+    void everythingIsSwitchedOn()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        QVERIFY(window.timeline()->header()->isIndicatorVisible());
+        QVERIFY(window.timeline()->header()->isHoverVisible());
+        QVERIFY(window.timeline()->header()->isLimitsVisible());
+        QVERIFY(window.timeline()->isCursorTextVisible());
+        QVERIFY(window.timeline()->isSnapEnabled());
+        QVERIFY(window.model()->isEditable());
+        QVERIFY(window.model()->track(1)->hasInsertButton());
+        QVERIFY(window.model()->track(1)->hasRemoveButton());
+        const qint64 indicator = window.timeline()->header()->indicatorTime();
+        QVERIFY(indicator > sampleStart && indicator < sampleStart + day);
+    }
+
+    void theSnapActionSwitchesSnapping()
+    {
+        MainWindow window;
+        QAction* const snap = action(window, "snap");
+        QVERIFY(snap->isChecked());
+        snap->trigger();
+        QVERIFY(!window.model()->isSnapEnabled());
+        snap->trigger();
+        QVERIFY(window.model()->isSnapEnabled());
+    }
+
+    void aRefusedFileLeavesTheWindowAsItWas()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        window.timeline()->setZoomFactor(Zoom::TwoHours);
+        window.timeline()->setCurrentTime(sampleStart + day);
+        window.timeline()->view()->selectItem(3, true);
+        const QString bad = write("bad.csv", "track,label,start,end\nA,x,5,6\nA,y,6,5\n");
+        const QString missing = m_dir.filePath("missing.csv");
+
+        QCOMPARE(texts(window.openFiles({bad, sample, missing})),
+                 (QStringList{bad + ":3: the end is before the start", missing + ": No such file or directory"}));
+        QCOMPARE(window.windowTitle(), "apollo17.csv – VeskTimeline Workbench");
+        QCOMPARE(window.model()->itemIds().size(), 105);
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::TwoHours);
+        QCOMPARE(window.timeline()->currentTime(), sampleStart + day);
+        QCOMPARE(window.timeline()->view()->selectedItemIds(), QList<int>{3});
+    }
+
+    void anotherFileReplacesTheFirst()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        window.timeline()->view()->selectItem(3, true);
+        const QString other = write("other.csv", "track,label,start,end\nA/B,x,-7200500,-3600000\n");
+        QCOMPARE(texts(window.openFiles({other})), QStringList());
+        QCOMPARE(window.windowTitle(), "other.csv – VeskTimeline Workbench");
+        QCOMPARE(window.model()->trackCount(), 2);
+        QVERIFY(window.timeline()->view()->isExpanded(window.model()->index(0, 0)));
+        QVERIFY(window.timeline()->view()->selectedItemIds().isEmpty());
+        QCOMPARE(window.timeline()->currentTime(), -7201000);
+    }
+
+    void aShortTimelineIsSeenWhole()
+    {
+        MainWindow window;
+        window.openFiles({write("short.csv", "track,label,start,end\nA,x,0,10000000\n")});
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::FourHours);
+        QCOMPARE(window.timeline()->currentTime(), 0);
+        QCOMPARE(window.timeline()->endTime(), qint64(Zoom::FourHours));
+        window.openFiles({write("instant.csv", "track,label,start,end\nA,x,5000,5000\n")});
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::FifteenSeconds);
+        QCOMPARE(window.timeline()->currentTime(), 5000);
+    }
+
+    void severalFilesAreNamedInTheTitle()
+    {
+        MainWindow window;
+        const QString other = write("other.csv", "track,label,start,end,note\nEVAs,x,92554380000,92554390000,n\n");
+        window.openFiles({sample, other});
+        QCOMPARE(window.windowTitle(), "apollo17.csv and 1 more – VeskTimeline Workbench");
+        QCOMPARE(window.model()->rowCount(), 9);
+        QCOMPARE(statusTexts(window),
+                 (QStringList{"9 tracks, 106 items, 1972-12-07T05:33:00Z – 1972-12-19T20:15:35Z", "1 warning"}));
+    }
+
+    void aLongTimelineIsPagedThroughWithoutEmptyParts()
+    {
+        MainWindow window;
+        // Items in the first, second and eleventh stretch of 24 days; the second reaches over an edge.
+        window.openFiles(
+            {write("long.csv", QByteArray("track,label,start,end\nA,first,0,1000\nA,over,") +
+                                   QByteArray::number(24 * day - 5000) + ',' + QByteArray::number(24 * day + 5000) +
+                                   "\nA,last," + QByteArray::number(240 * day + 1000) + ',' +
+                                   QByteArray::number(241 * day) + '\n')});
+        QCOMPARE(window.stretchCount(), 11);
+        QCOMPARE(window.timeline()->startTime(), 0);
+        QCOMPARE(window.timeline()->endTime(), 24 * day);
+        QCOMPARE(statusTexts(window), (QStringList{"1 track, 3 items, 1970-01-01T00:00:00Z – 1970-08-30T00:00:00Z",
+                                                   "Part 1 of 11: 1970-01-01T00:00:00Z – 1970-01-25T00:00:00Z"}));
+        QAction* const next = action(window, "next_part");
+        QAction* const previous = action(window, "previous_part");
+        QVERIFY(next->isVisible() && next->isEnabled() && !previous->isEnabled());
+
+        next->trigger();
+        QCOMPARE(window.stretch(), 1);
+        QCOMPARE(window.timeline()->currentTime(), 24 * day);
+        next->trigger();
+        QCOMPARE(window.stretch(), 10);
+        QCOMPARE(window.timeline()->startTime(), 240 * day);
+        QVERIFY(!next->isEnabled() && previous->isEnabled());
+        previous->trigger();
+        QCOMPARE(window.stretch(), 1);
+        previous->trigger();
+        QCOMPARE(window.stretch(), 0);
+
+        action(window, "last_item")->trigger();
+        QCOMPARE(window.stretch(), 10);
+        QCOMPARE(window.timeline()->currentTime(), window.timeline()->endTime() - window.timeline()->zoomFactor());
+        action(window, "first_item")->trigger();
+        QCOMPARE(window.stretch(), 0);
+        QCOMPARE(window.timeline()->currentTime(), 0);
+    }
+
+    void aTimelineThatFitsHasNoPaging()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        QVERIFY(!action(window, "next_part")->isVisible());
+        QVERIFY(!action(window, "previous_part")->isVisible());
+        QCOMPARE(window.stretchCount(), 1);
+    }
+
+    void fitGoesBackToTheStartAtTheWidestZoom()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        action(window, "pnx_zoom_in")->trigger();
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::TwelveHours);
+        action(window, "pnx_zoom_out")->trigger();
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::OneDay);
+        window.timeline()->setZoomFactor(Zoom::OneDay);
+        action(window, "pnx_zoom_in")->trigger();
+        window.timeline()->setCurrentTime(sampleStart + 3 * day);
+        action(window, "fit")->trigger();
+        QCOMPARE(window.timeline()->zoomFactor(), Zoom::OneDay);
+        QCOMPARE(window.timeline()->currentTime(), sampleStart);
+    }
+
+    void theRulerShowsSecondsWhereThereIsRoom()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        QCOMPARE(window.timeline()->header()->dateTimeFormat(), DateTime::DTGVeryShort);
+        window.timeline()->setZoomFactor(Zoom::FifteenSeconds);
+        QCOMPARE(window.timeline()->header()->dateTimeFormat(), DateTime::DTGShort);
+    }
+
+    void removingATrackDropsItsItemsFromTheSelection()
+    {
+        MainWindow window;
+        window.openFiles({write("two.csv", "track,label,start,end\nA,x,1,2\nB,y,1,2\n")});
+        window.timeline()->view()->selectItems({0, 1}, true);
+        window.model()->removeTrack(1);
+        QCOMPARE(window.timeline()->view()->selectedItemIds(), QList<int>{1});
+        QVERIFY(statusTexts(window).first().startsWith("1 track, 1 item,"));
+        window.model()->onInsertTrack(window.model()->index(0, 0));
+        QVERIFY(statusTexts(window).first().startsWith("2 tracks, 1 item,"));
+    }
+
+    void theMouseIsToldWhatItIsOn()
+    {
+        MainWindow window;
+        window.openFiles({write("hover.csv", "track,label,start,end\nA,bar,0,1800000\nA,point,2700000,2700000\n")});
+        window.show();
+        QCoreApplication::processEvents();
+        TimelineView* const view = window.timeline()->view();
+        const auto* const hover = view->findChild<Workbench::ItemHoverText*>();
+        QVERIFY(hover);
+        const int y = view->visualRect(window.model()->index(0, 1)).center().y();
+        const auto textAt = [&](qint64 time, int offset = 0) {
+            return hover->textAt({view->toPixel(time) + offset, y});
+        };
+        QCOMPARE(textAt(900000), "bar (1970-01-01T00:00:00Z – 1970-01-01T00:30:00Z)");
+        QCOMPARE(textAt(2700000), "point (1970-01-01T00:45:00Z)");
+        QCOMPARE(textAt(2700000, 4), "point (1970-01-01T00:45:00Z)");
+        QCOMPARE(textAt(2700000, -5), QString());
+        QCOMPARE(textAt(2200000), QString());
+        QCOMPARE(hover->textAt({5, y}), QString());
+        QCOMPARE(hover->textAt({view->toPixel(900000), y + 300}), QString());
+    }
+
+    void iconsCanBeDrawnAndSeenOnLightAndDarkGround_data()
+    {
+        QTest::addColumn<QString>("name");
+        Workbench::registerIcons();
+        for (const QString& file : QDir("icon:").entryList({"*.svg"}))
+            QTest::newRow(qPrintable(file)) << QFileInfo(file).baseName();
+    }
+    void iconsCanBeDrawnAndSeenOnLightAndDarkGround()
+    {
+        QFETCH(QString, name);
+        const QImage image = Workbench::icon(name).pixmap(32, 32).toImage();
+        QCOMPARE(image.size(), QSize(32, 32));
+        int opaque = 0;
+        for (int y = 0; y < 32; ++y) {
+            for (int x = 0; x < 32; ++x) {
+                const QColor color = image.pixelColor(x, y);
+                if (color.alpha() < 250)
+                    continue;
+                ++opaque;
+                if (name != "vesk_timeline_workbench")
+                    QVERIFY(color.lightness() > 90 && color.lightness() < 190);
+            }
+        }
+        QVERIFY2(opaque > 20, qPrintable(QString::number(opaque)));
+    }
+
+    void allIconsAreThere()
+    {
+        MainWindow window;
+        for (const char* const name : {"open", "pnx_zoom_in", "pnx_zoom_out", "fit", "first_item", "last_item",
+                                       "previous_part", "next_part", "snap"})
+            QVERIFY2(!action(window, name)->icon().isNull(), name);
+        QVERIFY(!window.windowIcon().isNull());
+    }
+
+private:
+    QString write(const QString& name, const QByteArray& text)
+    {
+        QFile file(m_dir.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+            qFatal("cannot write %s", qPrintable(file.fileName()));
+        return file.fileName();
+    }
+
+    QTemporaryDir m_dir;
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_main_window.moc"

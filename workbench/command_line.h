@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace VeskTimeline::Kit {
+struct DocumentFormat;
+}
+
+namespace Workbench {
+
+/// What the user wants the program to do.
+struct CommandLine
+{
+    enum class Action {
+        ShowWindow,
+        PrintInfo,
+        Convert,
+        SaveScreenshot,
+        PrintHelp,
+        PrintVersion,
+        RefuseUsage ///< see `error`
+    };
+
+    Action action = Action::ShowWindow;
+    QStringList files;
+    QString output;                                          ///< of Convert and SaveScreenshot
+    const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each by its suffix
+    QString error;
+
+    /// Whether the action needs widgets, and with them a windowing system.
+    bool needsWindow() const { return action == Action::ShowWindow || action == Action::SaveScreenshot; }
+};
+
+/// @param arguments the program's name first
+CommandLine parseCommandLine(const QStringList& arguments);
+
+/// The text for --help. Needs an application object.
+QString helpText();
+
+} // namespace Workbench

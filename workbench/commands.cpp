@@ -1,0 +1,149 @@
+#include "commands.h"
+
+#include "command_line.h"
+#include "load_files.h"
+#include "main_window.h"
+
+#include <VeskTimelineKit/document_format.h>
+
+#include <QApplication>
+#include <QImageWriter>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <cstdio>
+
+namespace Workbench {
+
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+bool print(std::FILE* stream, const QString& text)
+{
+    return std::fputs(text.toLocal8Bit().constData(), stream) >= 0 && std::fflush(stream) == 0;
+}
+
+int printToOutput(const QString& text)
+{
+    if (print(stdout, text))
+        return Done;
+    print(stderr, QCoreApplication::translate("Commands", "cannot write to standard output") + u'\n');
+    return FileRefused;
+}
+
+void report(const QList<FileError>& errors)
+{
+    for (const FileError& error : errors)
+        print(stderr, error.text() + u'\n');
+}
+
+QString infoText(const Document& document)
+{
+    const std::optional<TimeSpan> span = document.span();
+    const QJsonObject info{{QStringLiteral("tracks"), static_cast<qint64>(document.tracks().size())},
+                           {QStringLiteral("items"), document.itemCount()},
+                           {QStringLiteral("start"), span ? QJsonValue(span->start) : QJsonValue()},
+                           {QStringLiteral("end"), span ? QJsonValue(span->end) : QJsonValue()},
+                           {QStringLiteral("warnings"), QJsonArray::fromStringList(document.warnings())}};
+    return QString::fromUtf8(QJsonDocument(info).toJson(QJsonDocument::Compact)) + u'\n';
+}
+
+int convert(const Document& document, const QString& output)
+{
+    for (const QString& warning : document.warnings())
+        print(stderr, QCoreApplication::translate("Commands", "warning: %1").arg(warning) + u'\n');
+    const std::optional<FileError> error = documentFormatBySuffix(output)->write(document, output);
+    if (!error)
+        return Done;
+    report({*error});
+    return FileRefused;
+}
+
+int saveScreenshot(QWidget& window, const QString& output)
+{
+    // Everything is laid out as on screen; what is only wanted as a picture need not flash up there.
+    window.setAttribute(Qt::WA_DontShowOnScreen);
+    window.show();
+    QCoreApplication::processEvents();
+    QSaveFile file(output);
+    QImageWriter writer(&file, "png");
+    if (!file.open(QIODevice::WriteOnly))
+        report({FileError{output, 0, file.errorString()}});
+    else if (!writer.write(window.grab().toImage()))
+        report({FileError{output, 0, writer.errorString()}});
+    else if (!file.commit())
+        report({FileError{output, 0, file.errorString()}});
+    else
+        return Done;
+    return FileRefused;
+}
+
+bool hasDisplay()
+{
+    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+int runWithoutWindow(const CommandLine& commandLine, const Document& document)
+{
+    using Action = CommandLine::Action;
+    switch (commandLine.action) {
+    case Action::PrintHelp:
+        return printToOutput(helpText());
+    case Action::PrintVersion:
+        return printToOutput(QStringLiteral("vesk-timeline-workbench " VESKTIMELINE_VERSION "\n"));
+    case Action::RefuseUsage:
+        print(stderr, QStringLiteral("vesk-timeline-workbench: %1\n").arg(commandLine.error));
+        return WrongUsage;
+    case Action::PrintInfo:
+        return printToOutput(infoText(document));
+    case Action::Convert:
+        return convert(document, commandLine.output);
+    case Action::ShowWindow:
+    case Action::SaveScreenshot:
+        break;
+    }
+    print(stderr, QCoreApplication::translate(
+                      "Commands", "there is no display; --screenshot OUT.png saves a picture of the window\n"));
+    return FileRefused;
+}
+
+int runWithWindow(const CommandLine& commandLine, const Document& document)
+{
+    MainWindow window;
+    if (!commandLine.files.isEmpty())
+        window.showDocument(document, commandLine.files);
+    if (commandLine.action == CommandLine::Action::SaveScreenshot)
+        return saveScreenshot(window, commandLine.output);
+    window.show();
+    return QApplication::exec();
+}
+
+} // namespace
+
+int run(const CommandLine& commandLine, char* programName)
+{
+    // Before any window is thought of: a refusal needs no display.
+    const LoadedFiles loaded = loadFiles(commandLine.files, commandLine.from);
+    report(loaded.refusals);
+    if (!loaded.refusals.isEmpty())
+        return FileRefused;
+
+    // Of the arguments Qt gets the first only: it would take file names like "-style" for options of its own.
+    int count = 1;
+    char* arguments[] = {programName, nullptr};
+    const bool isForUser = commandLine.action == CommandLine::Action::ShowWindow;
+    if (!commandLine.needsWindow() || (isForUser && !hasDisplay())) {
+        const QCoreApplication application(count, arguments);
+        return runWithoutWindow(commandLine, loaded.document);
+    }
+    if (!hasDisplay())
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(count, arguments);
+    return runWithWindow(commandLine, loaded.document);
+}
+
+} // namespace Workbench

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+
+namespace Workbench {
+
+/// Makes the icons known under the search path "icon:", where also the library looks for its own. To be called before
+/// the first widget is made; further calls do nothing.
+void registerIcons();
+
+/// The icon "icon:NAME.svg". All of them are readable on light and on dark ground.
+QIcon icon(const QString& name);
+
+} // namespace Workbench

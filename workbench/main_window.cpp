@@ -1,0 +1,169 @@
+#include "main_window.h"
+
+#include "icons.h"
+#include "item_hover_text.h"
+#include "load_files.h"
+
+#include <VeskTimeline/item_delegate.h>
+#include <VeskTimeline/timeline_header_view.h>
+#include <VeskTimeline/timeline_view.h>
+#include <VeskTimeline/timeline_widget.h>
+#include <VeskTimelineKit/standard_timeline_model.h>
+
+#include <QApplication>
+#include <QDateTime>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace Workbench {
+
+using namespace VeskTimeline;
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+constexpr QSize startSize(1200, 640);
+
+// What an empty window shows.
+TimeSpan today()
+{
+    const qint64 start = QDateTime(QDateTime::currentDateTimeUtc().date(), QTime(0, 0), Qt::UTC).toMSecsSinceEpoch();
+    return {start, start + Zoom::OneDay};
+}
+
+QString titleOf(const QStringList& fileNames)
+{
+    if (fileNames.isEmpty())
+        return MainWindow::tr("VeskTimeline Workbench");
+    const QString first = QFileInfo(fileNames.first()).fileName();
+    if (fileNames.size() == 1)
+        return MainWindow::tr("%1 – VeskTimeline Workbench").arg(first);
+    return MainWindow::tr("%1 and %2 more – VeskTimeline Workbench").arg(first).arg(fileNames.size() - 1);
+}
+
+// Of the texts in the track column, with their indentation.
+int widestName(const QTreeView& view, const Track& parent, int level)
+{
+    int widest = 0;
+    for (const TrackPtr& track : parent.tracks()) {
+        const int own = view.fontMetrics().horizontalAdvance(track->text()) + level * view.indentation();
+        widest = std::max({widest, own, widestName(view, *track, level + 1)});
+    }
+    return widest;
+}
+
+/// Leaves out the focus frame: there is no moving from row to row, keys are for the items.
+class RowDelegate : public ItemDelegate
+{
+public:
+    using ItemDelegate::ItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        ItemDelegate::initStyleOption(option, index);
+        option->state.setFlag(QStyle::State_HasFocus, false);
+    }
+};
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_stretches(today())
+{
+    registerIcons();
+    setWindowIcon(icon(QStringLiteral("vesk_timeline_workbench")));
+    createTimeline();
+    createStatusBar();
+    createActions();
+    resize(startSize);
+    showDocument(Document(), {});
+}
+
+MainWindow::~MainWindow()
+{
+    // The model, a member, must outlive the view, which as a child would outlive it.
+    delete m_timeline;
+}
+
+TimelineView* MainWindow::view() const
+{
+    return m_timeline->view();
+}
+
+void MainWindow::createTimeline()
+{
+    m_timeline = new TimelineWidget(this);
+    setCentralWidget(m_timeline);
+    m_model = std::make_unique<StandardTimelineModel>(view());
+    m_model->setSnapEnabled(true);
+    m_timeline->setModel(m_model.get());
+    view()->setItemDelegate(new RowDelegate(view()));
+    view()->setUniformRowHeights(true);
+    new ItemHoverText(view());
+
+    TimelineHeaderView* const header = m_timeline->header();
+    header->setTrackLabel(tr("Track"));
+    header->setLimitsVisible(true);
+    header->setIndicatorVisible(true);
+    header->setHoverVisible(true);
+    connect(view(), &TimelineView::zoomChanged, this, &MainWindow::updateRulerFormat);
+    connect(m_model.get(), &QAbstractItemModel::rowsInserted, this, &MainWindow::updateStatus);
+    connect(m_model.get(), &QAbstractItemModel::rowsRemoved, this, &MainWindow::forgetRemovedItems);
+}
+
+QList<FileError> MainWindow::openFiles(const QStringList& fileNames, const DocumentFormat* format)
+{
+    const LoadedFiles loaded = loadFiles(fileNames, format);
+    if (loaded.refusals.isEmpty())
+        showDocument(loaded.document, fileNames);
+    return loaded.refusals;
+}
+
+void MainWindow::showDocument(const Document& document, const QStringList& fileNames)
+{
+    // The ids of one document mean something else, or nothing, in the next.
+    view()->clearSelectedItems();
+    m_model->setDocument(document);
+    view()->expandAll();
+    fitNameColumn();
+
+    m_stretches = TimeStretches(document.span().value_or(today()));
+    m_warnings = document.warnings();
+    setWindowTitle(titleOf(fileNames));
+    showFromStart();
+    m_timeline->header()->setIndicatorTime(view()->currentTime() + view()->zoomFactor() / 2);
+}
+
+void MainWindow::fitNameColumn()
+{
+    // A row is 50 pixels high and its buttons half as wide.
+    constexpr int buttonWidth = 25;
+    constexpr int margin = 16;
+    constexpr int narrowest = 200;
+    constexpr int widest = 400;
+    const int width = widestName(*view(), *m_model->rootTrack(), 1) + buttonWidth + margin;
+    m_timeline->header()->resizeSection(0, std::clamp(width, narrowest, widest));
+}
+
+// Labels have room for the time of day only; the date stands at the limits.
+void MainWindow::updateRulerFormat(Zoom::Factor factor)
+{
+    const bool showsSeconds = Zoom::majorInterval(factor) % Zoom::SixtySeconds != 0;
+    m_timeline->header()->setDateTimeFormat(showsSeconds ? DateTime::DTGShort : DateTime::DTGVeryShort);
+}
+
+void MainWindow::forgetRemovedItems()
+{
+    const QVector<int> known = m_model->itemIds();
+    QList<int> kept;
+    for (const int id : view()->selectedItemIds()) {
+        if (std::binary_search(known.begin(), known.end(), id))
+            kept.append(id);
+    }
+    if (kept != view()->selectedItemIds())
+        view()->selectItems(kept, true);
+    updateStatus();
+}
+
+} // namespace Workbench

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "time_stretches.h"
+
+#include <VeskTimeline/timeline_utils.h>
+#include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/result.h>
+
+#include <QList>
+#include <QMainWindow>
+
+#include <memory>
+
+class QAction;
+class QLabel;
+
+namespace VeskTimeline {
+class TimelineView;
+class TimelineWidget;
+namespace Kit {
+class StandardTimelineModel;
+struct DocumentFormat;
+} // namespace Kit
+} // namespace VeskTimeline
+
+namespace Workbench {
+
+/// The workbench's window: a timeline with everything switched on, a tool bar, and a status bar that says what is
+/// loaded.
+///
+/// A timeline longer than the view can hold is shown in stretches, see TimeStretches, which the user pages through.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Loads files and shows them, see showDocument().
+    /// @param format the format of all of them; null: each file's by its suffix
+    /// @return one error for each refused file; the window then stays as it was
+    QList<VeskTimeline::Kit::FileError> openFiles(const QStringList& fileNames,
+                                                  const VeskTimeline::Kit::DocumentFormat* format = nullptr);
+
+    /// Shows what was loaded from the files instead of what was there, from the start of its range at the widest zoom.
+    void showDocument(const VeskTimeline::Kit::Document& document, const QStringList& fileNames);
+
+    VeskTimeline::TimelineWidget* timeline() const { return m_timeline; }
+    VeskTimeline::Kit::StandardTimelineModel* model() const { return m_model.get(); }
+
+    /// The stretch that is shown, from 0.
+    int stretch() const { return m_stretch; }
+    int stretchCount() const { return m_stretches.count(); }
+
+private:
+    VeskTimeline::TimelineView* view() const;
+    void createTimeline();
+    void createActions();
+    void createStatusBar();
+    QAction* addToolBarAction(QToolBar* bar, const QString& iconName, const QString& text,
+                              const QKeySequence& shortcut);
+
+    void askForFiles();
+    void fitNameColumn();
+    void updateRulerFormat(VeskTimeline::Zoom::Factor factor);
+    void forgetRemovedItems();
+
+    void showStretch(int index);
+    void showFromStart();
+    void pageTo(int direction);
+    void goToTime(qint64 time);
+    void goToFirstItem();
+    void goToLastItem();
+    void updatePaging();
+    void updateStatus();
+
+    VeskTimeline::TimelineWidget* m_timeline = nullptr;
+    std::unique_ptr<VeskTimeline::Kit::StandardTimelineModel> m_model;
+    TimeStretches m_stretches;
+    int m_stretch = 0;
+    QStringList m_warnings;
+    QAction* m_previousStretch = nullptr;
+    QAction* m_nextStretch = nullptr;
+    QLabel* m_contentLabel = nullptr;
+    QLabel* m_stretchLabel = nullptr;
+    QLabel* m_warningLabel = nullptr;
+};
+
+} // namespace Workbench
