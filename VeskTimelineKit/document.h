@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QHash>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -20,9 +21,11 @@ struct DocumentItem
 
     QString label;
     qint64 start = 0;       ///< milliseconds since the epoch, UTC
-    int duration = 0;       ///< milliseconds; openEnded for none
+    qint64 duration = 0;    ///< milliseconds; openEnded for none
     QColor color;           ///< invalid: whoever shows the item chooses
     bool isEditable = true; ///< whether the user may move or resize the item
+    QString description = {};
+    QMap<QString, QString> attributes = {}; ///< free, by name; never interpreted by the kit
 
     /// The start of an open-ended item.
     qint64 end() const { return start + (duration > 0 ? duration : 0); }

@@ -20,12 +20,22 @@ const DocumentFormat* findFormat(Predicate predicate)
     return found == formats.end() ? nullptr : &*found;
 }
 
+Result<Document> readCsvFile(const QString& fileName, const ReadOptions& /*options*/)
+{
+    return readCsv(fileName);
+}
+
 } // namespace
+
+QString cancelledReason()
+{
+    return Tr::tr("reading was cancelled");
+}
 
 const std::vector<DocumentFormat>& documentFormats()
 {
     static const std::vector<DocumentFormat> formats{
-        {QStringLiteral("csv"), Tr::tr("Comma-separated values"), {QStringLiteral("csv")}, readCsv, writeCsv}};
+        {QStringLiteral("csv"), Tr::tr("Comma-separated values"), {QStringLiteral("csv")}, readCsvFile, writeCsv}};
     return formats;
 }
 

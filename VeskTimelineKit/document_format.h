@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/read_options.h>
 #include <VeskTimelineKit/result.h>
 
 #include <optional>
@@ -14,7 +15,7 @@ struct DocumentFormat
     QString name;         ///< lower case, e.g. "csv"
     QString description;  ///< for the user, translated
     QStringList suffixes; ///< of file names, without dot, lower case
-    Result<Document> (*read)(const QString& fileName) = nullptr;
+    Result<Document> (*read)(const QString& fileName, const ReadOptions& options) = nullptr;
     /// Null for a format that is only read.
     std::optional<FileError> (*write)(const Document& document, const QString& fileName) = nullptr;
 };

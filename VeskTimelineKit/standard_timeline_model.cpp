@@ -74,7 +74,7 @@ void StandardTimelineModel::addItems(Track& track, const std::vector<DocumentIte
     track.items().reserve(items.size());
     for (const DocumentItem* const source : sorted) {
         auto item =
-            std::make_unique<LabelledItem>(source->label, source->start, source->duration,
+            std::make_unique<LabelledItem>(source->label, source->start, static_cast<int>(source->duration),
                                            source->color.isValid() ? source->color : defaultColor, source->isEditable);
         item->setIds(nextFreeItemId(), track.id());
         m_itemCache[item->id()] = item.get();

@@ -20,7 +20,7 @@ LoadedFiles loadFiles(const QStringList& fileNames, const DocumentFormat* format
 {
     LoadedFiles loaded;
     for (const QString& fileName : fileNames) {
-        const Result<Document> result = (format ? *format : formatOf(fileName)).read(fileName);
+        const Result<Document> result = (format ? *format : formatOf(fileName)).read(fileName, {});
         if (result)
             loaded.document.merge(result.value());
         else
