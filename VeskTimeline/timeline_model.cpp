@@ -64,9 +64,17 @@ void TimelineModel::clear()
 
 void TimelineModel::clearItems()
 {
-    for (const auto& entry : m_trackCache)
-        entry.second->clearItems();
+    clearItemsOfCachedTracks(m_rootTrack);
     m_itemCache.clear();
+}
+
+void TimelineModel::clearItemsOfCachedTracks(Track& subtree)
+{
+    // From the tree, not from the cache, whose entries of a removed track's descendants point at destroyed tracks.
+    if (cached(m_trackCache, subtree.id()))
+        subtree.clearItems();
+    for (const TrackPtr& child : subtree.tracks())
+        clearItemsOfCachedTracks(*child);
 }
 
 Track* TimelineModel::track(int id)
@@ -226,7 +234,7 @@ int TimelineModel::columnCount(const QModelIndex& /*parent*/) const
 
 QVariant TimelineModel::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::UserRole))
+    if (!index.isValid() || index.column() >= ColumnCount || (role != Qt::DisplayRole && role != Qt::UserRole))
         return {};
     try {
         const Track* const rowTrack = trackOfIndex(index);
@@ -249,24 +257,18 @@ Qt::ItemFlags TimelineModel::flags(const QModelIndex& index) const
 
 QModelIndex TimelineModel::indexOfTrack(int trackId) const
 {
-    const int rows = rowCount();
-    for (int row = 0; row < rows; ++row) {
-        const QModelIndex found = indexOfTrackFromIndex(index(row, NameColumn), trackId);
-        if (found.isValid())
-            return found;
-    }
-    return {};
+    return indexOfTrackFromIndex(QModelIndex(), trackId);
 }
 
 QModelIndex TimelineModel::indexOfTrackFromIndex(const QModelIndex& idx, int trackId) const
 {
-    if (!idx.isValid())
-        return {};
     if (trackIdOf(idx) == trackId)
         return idx;
     const int rows = rowCount(idx);
     for (int row = 0; row < rows; ++row) {
-        const QModelIndex found = indexOfTrackFromIndex(index(row, NameColumn, idx), trackId);
+        const QModelIndex child = index(row, NameColumn, idx);
+        // An invalid index stands for the root: searching below it would start all over again.
+        const QModelIndex found = child.isValid() ? indexOfTrackFromIndex(child, trackId) : QModelIndex();
         if (found.isValid())
             return found;
     }

@@ -74,7 +74,7 @@ public:
 
     /// Index of a track's row in column 0; invalid when there is none.
     QModelIndex indexOfTrack(int trackId) const;
-    /// As indexOfTrack(), searching `idx` and the rows below it.
+    /// As indexOfTrack(), searching `idx` and the rows below it; an invalid `idx` stands for the root.
     QModelIndex indexOfTrackFromIndex(const QModelIndex& idx, int trackId) const;
     /// As indexOfTrack(). @throws QString "indexOfTrackSafe: index for trackId %1 ('%2') not found "
     QModelIndex indexOfTrackSafe(int trackId) const;
@@ -215,6 +215,7 @@ protected:
     Items m_clipboard;
 
 private:
+    void clearItemsOfCachedTracks(Track& subtree);
     void sortByStartTime(QVector<int>& ids) const;
     void forgetDestroyedTrack(int trackId);
     void pasteCopy(ItemPtr& copy, qint64 time);

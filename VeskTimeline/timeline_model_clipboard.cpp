@@ -40,13 +40,13 @@ void TimelineModel::pasteCopy(ItemPtr& copy, qint64 time)
     const int trackId = copy->parentTrackId();
     forgetDestroyedTrack(trackId);
 
-    const qint64 relativeStart = copy->startTime();
-    copy->_setStartTime(relativeStart + time);
+    const Item original = *copy;
+    copy->_setStartTime(original.startTime() + time);
     try {
         addItem(trackId, std::move(copy), false);
     } catch (...) {
         if (copy)
-            copy->_setStartTime(relativeStart);
+            *copy = original;
         throw;
     }
 }

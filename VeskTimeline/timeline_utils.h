@@ -43,7 +43,7 @@ VESKTIMELINE_EXPORT Factor floor(int msecs);
 /// Empty when `min` is above `max`.
 VESKTIMELINE_EXPORT QList<Factor> availableZoomFactors(Factor min, Factor max);
 /// Translated label, e.g. "15 Seconds", or, when `isShort`, "15 sec"; "Unknown" and "N/A" for an invalid factor.
-VESKTIMELINE_EXPORT QString toString(Factor factor, bool isShort = false);
+VESKTIMELINE_EXPORT QString toString(Factor factor, bool isShort);
 VESKTIMELINE_EXPORT QString toShortString(Factor factor);
 /// Spacing of the labelled ruler ticks in milliseconds; -1 for none.
 VESKTIMELINE_EXPORT int majorInterval(Factor factor);

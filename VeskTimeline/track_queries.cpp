@@ -1,6 +1,7 @@
 #include <VeskTimeline/track.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace VeskTimeline {
 
@@ -48,7 +49,7 @@ bool Track::isItemBetween(const Item& item, qint64 start, qint64 end, bool stric
         return strict ? itemStart < end : itemStart <= end;
     }
 
-    Q_ASSERT(end + 1 > start);
+    Q_ASSERT(end == std::numeric_limits<qint64>::max() || end + 1 > start);
     const qint64 itemEnd = itemStart + std::max<qint64>(item.duration(), minimumDuration);
     if (complete)
         return strict ? itemStart > start && itemEnd < end : itemStart >= start && itemEnd <= end;
