@@ -46,10 +46,7 @@ QSize ItemDelegate::sizeHint(const QStyleOptionViewItem& /*option*/, const QMode
 void ItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
     if (index.column() == 0) {
-        painter->save();
-        QStyledItemDelegate::paint(painter, option, index);
-        paintTrackButtons(painter, option, index);
-        painter->restore();
+        paintNameCell(painter, option, index);
         return;
     }
     try {
@@ -57,6 +54,20 @@ void ItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     } catch (...) {
         VESK_LOG(m_view->logger(), Hox::Error) << "ItemDelegate::paint -> CATCH";
     }
+}
+
+// Qt's painting code is not made for exceptions: one that passed it would leave its painter at work on the view for
+// ever.
+void ItemDelegate::paintNameCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    painter->save();
+    try {
+        QStyledItemDelegate::paint(painter, option, index);
+        paintTrackButtons(painter, option, index);
+    } catch (...) {
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+    }
+    painter->restore();
 }
 
 void ItemDelegate::paintTimeCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
@@ -77,8 +88,7 @@ void ItemDelegate::paintTimeCell(QPainter* painter, const QStyleOptionViewItem& 
 void ItemDelegate::paintCopyItems(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                                   const Track& track) const
 {
-    const QSet<int> ids = track.copyItemIds();
-    for (const int id : ids) {
+    for (const int id : track.copyItemIds()) {
         try {
             paintItem(painter, option, index, *std::as_const(*m_view->timelineModel()).item(id));
         } catch (...) {

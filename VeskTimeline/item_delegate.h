@@ -46,6 +46,7 @@ protected:
     QPushButton* m_pushButtonPressed;
 
 private:
+    void paintNameCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void paintTimeCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void paintItem(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                    const Item& item) const;

@@ -23,7 +23,7 @@ struct TimePixelMapping
 
     int toPixel(qint64 time) const
     {
-        const double ratio = static_cast<double>(time - currentTime) / span;
+        const double ratio = (static_cast<double>(time) - static_cast<double>(currentTime)) / span;
         const double pixel = left + (right - left) * ratio;
         return static_cast<int>(std::clamp<double>(pixel, -farAway, farAway));
     }
@@ -33,7 +33,7 @@ struct TimePixelMapping
     {
         if (right == left)
             return currentTime;
-        const double share = static_cast<double>(x - left) / (right - left);
+        const double share = (static_cast<double>(x) - left) / (right - left);
         return static_cast<qint64>(static_cast<double>(currentTime) + share * span);
     }
 };

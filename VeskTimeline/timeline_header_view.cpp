@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDebug>
+#include <QEvent>
 #include <QPalette>
 #include <QTimer>
 
@@ -353,6 +354,8 @@ void TimelineHeaderView::setLimitsVisible(bool isVisible)
         return;
     m_isLimitsVisible = isVisible;
     setFixedHeight(isVisible ? heightWithLimits : plainHeight);
+    // The tree view makes room for its header only when told.
+    Q_EMIT geometriesChanged();
     repaintRuler();
 }
 
@@ -382,6 +385,14 @@ void TimelineHeaderView::mouseReleaseEvent(QMouseEvent* event)
 void TimelineHeaderView::wheelEvent(QWheelEvent* event)
 {
     m_mouseHandler->wheelEvent(event);
+}
+
+bool TimelineHeaderView::viewportEvent(QEvent* event)
+{
+    // The base class would send the wheel to the rows, which take its position for one of theirs.
+    if (event->type() == QEvent::Wheel)
+        return QAbstractScrollArea::viewportEvent(event);
+    return QHeaderView::viewportEvent(event);
 }
 
 void TimelineHeaderView::repaintRuler()

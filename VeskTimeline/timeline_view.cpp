@@ -36,6 +36,14 @@ void forget(Object*& pointer, const QObject* gone)
         pointer = nullptr;
 }
 
+TimelineModel* timelineModelBehind(QAbstractItemModel* model)
+{
+    if (auto* const direct = qobject_cast<TimelineModel*>(model))
+        return direct;
+    const auto* const proxy = qobject_cast<QAbstractProxyModel*>(model);
+    return proxy ? qobject_cast<TimelineModel*>(proxy->sourceModel()) : nullptr;
+}
+
 } // namespace
 
 TimelineView::TimelineView(QWidget* parent)
@@ -79,12 +87,14 @@ void TimelineView::forgetWhenDestroyed(QObject* object)
 {
     m_lifetimeConnections.append(connect(object, &QObject::destroyed, this, [this](QObject* gone) {
         // The object is past its own destructors: its address is all that may be used.
-        if (static_cast<QObject*>(m_timelineModel) == gone)
-            leaveTimelineModel();
+        const bool isTimelineModel = static_cast<QObject*>(m_timelineModel) == gone;
         forget(m_timelineModel, gone);
         forget(m_model, gone);
         forget(m_proxyModel, gone);
         forget(m_delegate, gone);
+        // Last: whoever is told asks the view for its model.
+        if (isTimelineModel)
+            leaveTimelineModel();
     }));
 }
 
@@ -99,7 +109,8 @@ void TimelineView::leaveTimelineModel()
 
 void TimelineView::setModel(QAbstractItemModel* model)
 {
-    if (m_timelineModel && m_model != model)
+    // A proxy over the same model keeps the selection.
+    if (m_timelineModel && m_timelineModel != timelineModelBehind(model))
         leaveTimelineModel();
     m_model = model;
     QTreeView::setModel(model);
@@ -353,7 +364,7 @@ void TimelineView::selectItem(int id, bool clear)
 
 void TimelineView::selectItems(const QList<int>& ids, bool clear)
 {
-    // The argument may be the selection itself.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the argument may be the selection, cleared below.
     const QList<int> added = ids;
     if (clear)
         setSelection({});

@@ -14,8 +14,29 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
+#include <optional>
 
 namespace VeskTimeline {
+
+namespace {
+
+// The offset that puts a dragged item, now shown from `start`, onto an edge of another item nearby: its start onto the
+// other's end or, where that is not near, its end onto the other's start.
+std::optional<qint64> offsetOntoEdge(const Item& dragged, qint64 start, const Item& other, qint64 tolerance)
+{
+    const auto isNear = [tolerance](qint64 edge, qint64 otherEdge) {
+        return edge - tolerance < otherEdge && otherEdge < edge + tolerance;
+    };
+    const qint64 otherEnd = other.startTime() + other.duration();
+    if (isNear(start, otherEnd))
+        return otherEnd - dragged.startTime();
+    if (isNear(start + dragged.duration(), other.startTime()))
+        return other.startTime() - (dragged.startTime() + dragged.duration());
+    return std::nullopt;
+}
+
+} // namespace
 
 TimelineViewDragHandler::TimelineViewDragHandler(TimelineView* view) : m_view(view)
 {
@@ -38,11 +59,16 @@ int TimelineViewDragHandler::trackIdUnder(const QPoint& pos) const
     return trackIdOfCell(m_view->indexAt(pos));
 }
 
-// Remembered at the press: the row may be gone before the gesture is, and an index of a row that has gone must not be
-// read.
+// Remembered at the press: the row may move, or be gone, before the gesture is, and an index of a row that has gone
+// must not be read.
 int TimelineViewDragHandler::dragStartTrackId() const
 {
     return m_dragStartTrackId != -1 ? m_dragStartTrackId : trackIdOfCell(m_dragStartIndex);
+}
+
+QModelIndex TimelineViewDragHandler::dragStartRow() const
+{
+    return m_dragStartTrackId != -1 ? m_view->indexOfTrackRow(m_dragStartTrackId, 1) : m_dragStartIndex;
 }
 
 void TimelineViewDragHandler::resetGesture()
@@ -70,21 +96,24 @@ bool TimelineViewDragHandler::isActive() const
 
 int TimelineViewDragHandler::deltaX() const
 {
-    if (!m_dragStartIndex.isValid() || !m_view->timelineModel())
-        return 0;
-    if (!m_view->timelineModel()->isSnapEnabled())
+    const TimelineModel* const model = m_view->timelineModel();
+    if (!model || !model->isSnapEnabled())
         return m_dragPos.x() - m_dragStartPos.x();
+    // A group that may not be moved has no start, and stays where it is.
+    if (m_dragStartTime == -1)
+        return 0;
     return m_view->toPixel(m_dragStartTime + deltaTime()) - m_view->toPixel(m_dragStartTime);
 }
 
 int TimelineViewDragHandler::deltaY() const
 {
-    if (!m_dragStartIndex.isValid())
-        return 0;
     const QModelIndex index = m_view->indexAt(m_dragPos);
     if (!index.isValid())
         return m_dragPos.y() - m_dragStartPos.y();
-    return m_view->visualRect(index).top() - m_view->visualRect(m_dragStartIndex).top();
+    const QModelIndex startRow = dragStartRow();
+    if (!startRow.isValid())
+        return 0;
+    return m_view->visualRect(index).top() - m_view->visualRect(startRow).top();
 }
 
 qint64 TimelineViewDragHandler::deltaTime() const
@@ -97,36 +126,33 @@ qint64 TimelineViewDragHandler::deltaTime() const
     return snappedToEdges(truncatedToGrid(m_view->toTime(m_dragPos.x()) - m_dragStartTime, model->snapStep()));
 }
 
+// All items but the dragged ones, in the model's order.
+std::vector<const Item*> TimelineViewDragHandler::otherItems() const
+{
+    const TimelineModel* const model = m_view->timelineModel();
+    const QSet<int> draggedIds(m_dragItemIds.begin(), m_dragItemIds.end());
+    std::vector<const Item*> others;
+    const QVector<int> itemIds = model->itemIds();
+    for (const int id : itemIds) {
+        if (!draggedIds.contains(id))
+            others.push_back(model->item(id));
+    }
+    return others;
+}
+
 qint64 TimelineViewDragHandler::snappedToEdges(qint64 dt) const
 {
     const TimelineModel* const model = m_view->timelineModel();
-    const qint64 tolerance = model->snapTolerance();
-    const QSet<int> draggedIds(m_dragItemIds.begin(), m_dragItemIds.end());
-    const QVector<int> itemIds = model->itemIds();
-    const auto isNear = [tolerance](qint64 edge, qint64 other) {
-        return edge - tolerance < other && other < edge + tolerance;
-    };
-
-    qint64 best = 2 * tolerance;
+    const std::vector<const Item*> others = otherItems();
+    qint64 best = 2 * qint64{model->snapTolerance()};
     for (const int draggedId : m_dragItemIds) {
         const Item* const dragged = model->item(draggedId);
         const qint64 start = dragged->startTime() + dt;
-        const qint64 end = start + dragged->duration();
-        for (const int otherId : itemIds) {
-            if (draggedIds.contains(otherId))
-                continue;
-            const Item* const other = model->item(otherId);
-            const qint64 otherEnd = other->startTime() + other->duration();
-            qint64 candidate = 0;
-            if (isNear(start, otherEnd))
-                candidate = otherEnd - dragged->startTime();
-            else if (isNear(end, other->startTime()))
-                candidate = other->startTime() - (dragged->startTime() + dragged->duration());
-            else
-                continue;
-            if (std::abs(candidate) < best) {
-                dt = candidate;
-                best = std::abs(candidate);
+        for (const Item* const other : others) {
+            const std::optional<qint64> offset = offsetOntoEdge(*dragged, start, *other, model->snapTolerance());
+            if (offset && std::abs(*offset) < best) {
+                dt = *offset;
+                best = std::abs(dt);
             }
         }
     }
@@ -290,12 +316,12 @@ void TimelineViewDragHandler::keyPressEvent(QKeyEvent* event)
         clear();
         return;
     }
-    constexpr int stepsWithoutControl = 10;
     const int snapStep = m_view->timelineModel()->snapStep();
-    const int dt = isControlHeld(*event) ? snapStep : stepsWithoutControl * snapStep;
     // Without a grid there is no step to move by.
-    if (dt <= 0)
+    if (snapStep <= 0)
         return;
+    const qint64 steps = isControlHeld(*event) ? 1 : 10;
+    const auto dt = static_cast<int>(std::min<qint64>(steps * snapStep, std::numeric_limits<int>::max()));
     const QVector<int> ids = m_view->selectedItemIds();
     if (event->key() == Qt::Key_Left)
         moveItemsLeft(ids, -dt);
@@ -331,7 +357,7 @@ void TimelineViewDragHandler::moveItemsLeft(const QVector<int>& ids, int dt)
         const int snapStep = m_view->timelineModel()->snapStep();
         if (canShiftItems(ids, dt))
             shiftItems(ids, dt);
-        else if (dt < -snapStep)
+        else if (snapStep > 0 && dt < -snapStep)
             moveItemsLeft(ids, dt + snapStep);
     } catch (...) {
         logCaughtException(m_view->logger(), Q_FUNC_INFO);
@@ -345,7 +371,7 @@ void TimelineViewDragHandler::moveItemsRight(const QVector<int>& ids, int dt)
         const int snapStep = m_view->timelineModel()->snapStep();
         if (canShiftItems(ids, dt))
             shiftItems(ids, dt);
-        else if (dt > snapStep)
+        else if (snapStep > 0 && dt > snapStep)
             moveItemsRight(ids, dt - snapStep);
     } catch (...) {
         logCaughtException(m_view->logger(), Q_FUNC_INFO);

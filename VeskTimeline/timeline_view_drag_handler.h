@@ -6,6 +6,8 @@
 #include <QPoint>
 #include <QVector>
 
+#include <vector>
+
 class QDragEnterEvent;
 class QDragLeaveEvent;
 class QDragMoveEvent;
@@ -103,12 +105,14 @@ private:
     bool isOwnDrag(const QObject* source) const;
     int trackIdUnder(const QPoint& pos) const;
     int dragStartTrackId() const;
+    QModelIndex dragStartRow() const;
     void resetGesture();
     void takeItemUnder(const QPoint& pos);
     void followMouse(const QPoint& pos);
     void startDragAndDrop();
     void moveItemsTo(const QPoint& pos);
     void dropItems();
+    std::vector<const Item*> otherItems() const;
     qint64 snappedToEdges(qint64 dt) const;
     bool canShiftItems(const QVector<int>& ids, int dt) const;
     void shiftItems(const QVector<int>& ids, int dt);

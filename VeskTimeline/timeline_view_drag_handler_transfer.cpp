@@ -49,9 +49,9 @@ void TimelineViewDragHandler::dragMoveEvent(QDragMoveEvent* event)
 
     const QPoint pos = event->position().toPoint();
     m_dragPos = pos;
-    if (TimelineHeaderView* const header = m_view->header())
-        header->setHoverPosition(pos.x());
     try {
+        if (TimelineHeaderView* const header = m_view->header())
+            header->setHoverPosition(pos.x());
         event->setAccepted(canDragItemsTo(pos));
     } catch (...) {
         event->ignore();

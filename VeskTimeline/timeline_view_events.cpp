@@ -30,6 +30,15 @@ void guarded(IHoxLogger& logger, const char* signature, const Body& body)
     }
 }
 
+// QHeaderView hands its wheel events on to the rows as they are: the position is still the ruler's.
+bool isHandedOnBy(const QWidget& ruler, const QWheelEvent& event)
+{
+    const QPoint pos = event.position().toPoint();
+    const QPoint posOnRuler = ruler.mapFromGlobal(event.globalPosition().toPoint());
+    // Rounding, with a device pixel ratio that is no whole number, may make them differ.
+    return ruler.isVisible() && ruler.rect().contains(pos) && (posOnRuler - pos).manhattanLength() <= 1;
+}
+
 } // namespace
 
 bool TimelineView::isEditable() const
@@ -118,6 +127,9 @@ void TimelineView::updateHover(const QPoint& pos)
 void TimelineView::routeMove(QMouseEvent* event)
 {
     const QPoint pos = event->position().toPoint();
+    // The text beside the mouse moves along, also where nothing else changes.
+    if (m_isCursorTextVisible && pos != m_cursorPosition)
+        viewport()->update();
     m_cursorPosition = pos;
     const QModelIndex index = indexAt(pos);
 
@@ -222,7 +234,7 @@ bool TimelineView::isOverHeader(const QPointF& pos) const
 void TimelineView::wheelEvent(QWheelEvent* event)
 {
     guarded(m_logger, Q_FUNC_INFO, [&] {
-        if (isOverHeader(event->position()))
+        if (isOverHeader(event->position()) || (m_header && isHandedOnBy(*m_header->viewport(), *event)))
             m_header->wheelEvent(event);
         else if (isExactlyControlHeld())
             setZoomFactor(event->angleDelta().y() < 0 ? Zoom::increment(m_zoomFactor) : Zoom::decrement(m_zoomFactor));

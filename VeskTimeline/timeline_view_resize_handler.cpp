@@ -86,6 +86,7 @@ void TimelineViewResizeHandler::mouseMoveEvent(QMouseEvent* event)
         // The event is a move, no release of the left button; the resize is over all the same.
         if (isActive())
             finish();
+        m_view->viewport()->update();
     }
 }
 
@@ -103,31 +104,33 @@ void TimelineViewResizeHandler::resizeTo(const QPoint& pos)
 
     const qint64 time = model->isSnapEnabled() ? globalSnapTime(pos.x()) : localSnapTime(pos.x());
     Item* const item = model->item(m_currentItemId);
-    const bool isWritten = m_resizePos == eEnd ? resizeEnd(*track, *item, time) : resizeStart(*track, *item, time);
-    if (isWritten)
-        m_view->viewport()->update();
+    if (m_resizePos == eEnd)
+        resizeEnd(*track, *item, time);
+    else
+        resizeStart(*track, *item, time);
 }
 
-bool TimelineViewResizeHandler::resizeEnd(Track& track, Item& item, qint64 time)
+void TimelineViewResizeHandler::resizeEnd(Track& track, Item& item, qint64 time)
 {
     TimelineModel* const model = m_view->timelineModel();
     const auto duration = static_cast<int>(time - item.startTime());
     if (duration == item.duration() || !model->canResizeItem(item, item.startTime(), duration))
-        return false;
+        return;
     model->setItemDuration(track, item, duration);
-    return true;
+    m_view->viewport()->update();
 }
 
-bool TimelineViewResizeHandler::resizeStart(Track& track, Item& item, qint64 time)
+void TimelineViewResizeHandler::resizeStart(Track& track, Item& item, qint64 time)
 {
     TimelineModel* const model = m_view->timelineModel();
     const auto duration = static_cast<int>(endOf(item) - time);
     if (time == item.startTime() || !model->canResizeItem(item, time, duration))
-        return false;
+        return;
     // The duration first: so the end stays where it is for whoever watches the two writes.
     model->setItemDuration(track, item, duration);
+    m_view->viewport()->update();
     model->setItemStartTime(track, item, time);
-    return true;
+    m_view->viewport()->update();
 }
 
 void TimelineViewResizeHandler::mouseReleaseEvent(QMouseEvent* event)
@@ -153,45 +156,42 @@ qint64 TimelineViewResizeHandler::localSnapTime(int x) const
     const TimelineModel* const model = m_view->timelineModel();
     const Track* const track = model->track(m_currentTrackId);
     const Item* const item = model->item(m_currentItemId);
-    return m_resizePos == eEnd ? localEndTime(*track, *item, time) : localStartTime(*track, *item, time);
+    try {
+        return m_resizePos == eEnd ? localEndTime(*track, *item, time) : localStartTime(*track, *item, time);
+    } catch (const QString&) {
+        // No neighbour bounds the edge.
+        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+        return time;
+    }
 }
 
 qint64 TimelineViewResizeHandler::localEndTime(const Track& track, const Item& item, qint64 time) const
 {
     if (time <= item.startTime())
         return item.startTime() + m_view->timelineModel()->minimumDuration();
-    try {
-        return std::min(time, track.next(item.id())->startTime());
-    } catch (const QString&) {
-        logCaughtException(m_view->logger(), Q_FUNC_INFO);
-        return time;
-    }
+    return std::min(time, track.next(item.id())->startTime());
 }
 
 qint64 TimelineViewResizeHandler::localStartTime(const Track& track, const Item& item, qint64 time) const
 {
     if (time >= endOf(item))
         return endOf(item) - m_view->timelineModel()->minimumDuration();
-    try {
-        return std::max(time, endOf(*track.previous(item.id())));
-    } catch (const QString&) {
-        logCaughtException(m_view->logger(), Q_FUNC_INFO);
-        return time;
-    }
+    return std::max(time, endOf(*track.previous(item.id())));
 }
 
-TimelineViewResizeHandler::Bounds TimelineViewResizeHandler::neighbourBounds(const Track& track) const
+TimelineViewResizeHandler::Bounds TimelineViewResizeHandler::neighbourBounds(const Track& track,
+                                                                             const char* signature) const
 {
     Bounds bounds{m_view->startTime(), m_view->endTime()};
     try {
         bounds.lower = endOf(*track.previous(m_currentItemId));
     } catch (const QString&) {
-        logCaughtException(m_view->logger(), Q_FUNC_INFO, Hox::Debug);
+        logCaughtException(m_view->logger(), signature, Hox::Debug);
     }
     try {
         bounds.upper = track.next(m_currentItemId)->startTime();
     } catch (const QString&) {
-        logCaughtException(m_view->logger(), Q_FUNC_INFO, Hox::Debug);
+        logCaughtException(m_view->logger(), signature, Hox::Debug);
     }
     return bounds;
 }
@@ -203,9 +203,9 @@ qint64 TimelineViewResizeHandler::globalSnapTime(int x) const
     if (!holdsEdge())
         return gridTime;
 
-    const Bounds bounds = neighbourBounds(*model->track(m_currentTrackId));
+    const Bounds bounds = neighbourBounds(*model->track(m_currentTrackId), Q_FUNC_INFO);
     const Item* const item = model->item(m_currentItemId);
-    const qint64 time = snappedToEdges(*item, gridTime);
+    const qint64 time = snappedToEdges(*item, gridTime, Q_FUNC_INFO);
     if (isBeyondOtherEdge(*item, time)) {
         const int minimum = model->minimumDuration();
         return m_resizePos == eStart ? endOf(*item) - minimum : item->startTime() + minimum;
@@ -231,7 +231,7 @@ bool TimelineViewResizeHandler::snapCandidate(const Item& other, qint64 time, qi
     return false;
 }
 
-qint64 TimelineViewResizeHandler::snappedToEdges(const Item& item, qint64 gridTime) const
+qint64 TimelineViewResizeHandler::snappedToEdges(const Item& item, qint64 gridTime, const char* signature) const
 {
     const TimelineModel* const model = m_view->timelineModel();
     qint64 result = gridTime;
@@ -250,7 +250,7 @@ qint64 TimelineViewResizeHandler::snappedToEdges(const Item& item, qint64 gridTi
             // nearer.
             best = static_cast<int>(candidate - gridTime);
         } catch (const QString&) {
-            logCaughtException(m_view->logger(), Q_FUNC_INFO);
+            logCaughtException(m_view->logger(), signature);
         }
     }
     return result;

@@ -65,15 +65,15 @@ private:
     bool holdsEdge() const;
     void takeEdgeUnder(const QPoint& pos);
     void resizeTo(const QPoint& pos);
-    bool resizeEnd(Track& track, Item& item, qint64 time);
-    bool resizeStart(Track& track, Item& item, qint64 time);
+    void resizeEnd(Track& track, Item& item, qint64 time);
+    void resizeStart(Track& track, Item& item, qint64 time);
     void finish();
     qint64 localEndTime(const Track& track, const Item& item, qint64 time) const;
     qint64 localStartTime(const Track& track, const Item& item, qint64 time) const;
-    Bounds neighbourBounds(const Track& track) const;
+    Bounds neighbourBounds(const Track& track, const char* signature) const;
     bool snapCandidate(const Item& other, qint64 time, qint64* candidate) const;
     bool isBeyondOtherEdge(const Item& item, qint64 time) const;
-    qint64 snappedToEdges(const Item& item, qint64 gridTime) const;
+    qint64 snappedToEdges(const Item& item, qint64 gridTime, const char* signature) const;
 };
 
 } // namespace VeskTimeline

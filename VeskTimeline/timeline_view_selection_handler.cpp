@@ -112,7 +112,7 @@ void TimelineViewSelectHandler::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     if (m_isRubberBandActive) {
-        finishRubberBand();
+        finishRubberBand(Q_FUNC_INFO);
         return;
     }
     int releasedItemId = -1;
@@ -127,13 +127,13 @@ void TimelineViewSelectHandler::mouseReleaseEvent(QMouseEvent* event)
     m_selectedItemId = -1;
 }
 
-void TimelineViewSelectHandler::finishRubberBand()
+void TimelineViewSelectHandler::finishRubberBand(const char* signature)
 {
     try {
         const QVector<int> ids = getItemsWithinRubberBand();
         m_view->selectItems(ids, true);
     } catch (...) {
-        logCaughtException(m_view->logger(), Q_FUNC_INFO);
+        logCaughtException(m_view->logger(), signature);
     }
     m_isRubberBandActive = false;
     m_rubberBand.setSize(QSize(0, 0));
@@ -176,7 +176,7 @@ void TimelineViewSelectHandler::keyPressEvent(QKeyEvent* event)
         m_selectedItemId = -1;
         m_view->clearSelectedItems();
     } else if (event->key() == Qt::Key_Delete) {
-        removeSelectedItems();
+        removeSelectedItems(Q_FUNC_INFO);
     } else if (isControlHeld(*event)) {
         try {
             controlKeyPress(event);
@@ -188,7 +188,7 @@ void TimelineViewSelectHandler::keyPressEvent(QKeyEvent* event)
     }
 }
 
-void TimelineViewSelectHandler::removeSelectedItems()
+void TimelineViewSelectHandler::removeSelectedItems(const char* signature)
 {
     if (!m_view->hasSelectedItems() || !m_view->timelineModel())
         return;
@@ -197,7 +197,7 @@ void TimelineViewSelectHandler::removeSelectedItems()
         try {
             m_view->timelineModel()->removeItem(id);
         } catch (...) {
-            logCaughtException(m_view->logger(), Q_FUNC_INFO);
+            logCaughtException(m_view->logger(), signature);
         }
     }
     m_view->clearSelectedItems();
@@ -259,10 +259,10 @@ QVector<int> TimelineViewSelectHandler::getItemsWithinRubberBand() const
                              std::max(m_rubberBand.top(), m_rubberBand.bottom()));
     const qint64 start = m_view->toTime(topLeft.x());
     const qint64 end = m_view->toTime(bottomRight.x());
-    if (start == end)
+    const QAbstractItemDelegate* const delegate = m_view->QAbstractItemView::itemDelegate();
+    if (start == end || !delegate)
         return {};
 
-    const QAbstractItemDelegate* const delegate = m_view->QAbstractItemView::itemDelegate();
     const int rowHeight = std::max(1, delegate->sizeHint(QStyleOptionViewItem(), QModelIndex()).height());
     QVector<int> ids;
     for (int y = topLeft.y(); y <= bottomRight.y(); y += rowHeight)

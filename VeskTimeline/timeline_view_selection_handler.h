@@ -61,9 +61,9 @@ private:
     void pressOutsideRows(const QMouseEvent& event);
     void pressInRow(const QMouseEvent& event);
     void startRubberBand(const QPoint& pos);
-    void finishRubberBand();
+    void finishRubberBand(const char* signature);
     void click(int itemId, bool isToggle);
-    void removeSelectedItems();
+    void removeSelectedItems(const char* signature);
     void controlKeyPress(QKeyEvent* event);
     static void leaveUnknownKey(QKeyEvent* event);
     void paste();

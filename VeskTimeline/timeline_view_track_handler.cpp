@@ -63,9 +63,11 @@ void TimelineViewTrackHandler::pressButtonOf(const QModelIndex& index, const QPo
     const QRect cell = m_view->visualRect(index);
     if (track->hasInsertButton() && hitsButton(cell, cell.top(), pos)) {
         m_pressedInsertButtonIndex = index;
+        m_view->viewport()->update();
         model->onInsertTrack(modelIndexOf(index, model));
     } else if (track->hasRemoveButton() && hitsButton(cell, cell.center().y(), pos)) {
         m_pressedRemoveButtonIndex = index;
+        m_view->viewport()->update();
         askToRemove(index);
     }
 }
@@ -79,6 +81,11 @@ void TimelineViewTrackHandler::askToRemove(const QModelIndex& index)
     auto* const dialog =
         new VeskWidgets::VeskMessageDialogNew(m_view, QString(), question, VeskWidgets::Behaviour::Question,
                                               VeskWidgets::Buttons(Button::Yes) | Button::No, {}, true);
+    // An open dialog may keep the release of the mouse from the view.
+    QObject::connect(dialog, &QDialog::finished, m_view, [this] {
+        m_pressedRemoveButtonIndex = QModelIndex();
+        m_view->viewport()->update();
+    });
     const QPersistentModelIndex row(index);
     QObject::connect(dialog, &VeskWidgets::VeskMessageDialogNew::yes, m_view, [this, row] { removeTrack(row); });
 }

@@ -10,11 +10,15 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace VeskTimeline {
 
 namespace {
 
 constexpr int millisecondsPerSecond = 1000;
+/// The last one of the form's grid.
+constexpr int sliderColumn = 6;
 
 } // namespace
 
@@ -55,6 +59,12 @@ void TimelineWidget::connectControls()
     connect(view(), &TimelineView::zoomChanged, this, &TimelineWidget::onZoomChanged);
     connect(header(), &QHeaderView::sectionResized, this, &TimelineWidget::onSectionResized);
     connect(slider(), &QScrollBar::valueChanged, this, &TimelineWidget::onSliderValueChanged);
+}
+
+QSize TimelineWidget::minimumSizeHint() const
+{
+    const QSize hint = QWidget::minimumSizeHint();
+    return {hint.width() - m_ui->gridLayout->columnMinimumWidth(sliderColumn), hint.height()};
 }
 
 TimelineView* TimelineWidget::view() const
@@ -221,6 +231,22 @@ void TimelineWidget::onSectionResized(int logicalIndex, int /*oldSize*/, int new
     if (logicalIndex != 1)
         return;
     slider()->setFixedSize(newSize, view()->verticalScrollBar()->width());
+    alignWithTimeColumn(newSize);
+}
+
+// Keeps the slider below the time column, which ends where the view's scroll bar begins, and the placeholder out of its
+// way: that gets no more than the room which the controls leave below the names.
+void TimelineWidget::alignWithTimeColumn(int columnWidth)
+{
+    QGridLayout* const grid = m_ui->gridLayout;
+    const int scrollBarWidth = view()->verticalScrollBar()->sizeHint().width() + view()->frameWidth();
+    grid->setColumnMinimumWidth(sliderColumn, columnWidth + scrollBarWidth);
+
+    const int controlsWidth =
+        m_ui->pbZoomIn->minimumWidth() + m_ui->pbZoomOut->minimumWidth() + m_ui->cbZoom->minimumWidth();
+    const int spacing = grid->horizontalSpacing() * sliderColumn;
+    const int nameWidth = header() ? header()->sectionSize(0) : 0;
+    m_ui->wPlaceholder->setMaximumWidth(std::max(0, nameWidth - controlsWidth - spacing));
 }
 
 void TimelineWidget::onSliderValueChanged(int value)

@@ -32,6 +32,10 @@ public:
     explicit TimelineWidget(QWidget* parent = nullptr);
     ~TimelineWidget() override;
 
+    /// Leaves the slider out, which is as wide as the time column and so follows the widget's width: it must not hold
+    /// the widget at the width it has.
+    QSize minimumSizeHint() const override;
+
     TimelineView* view() const;
     /// The view's header.
     TimelineHeaderView* header() const;
@@ -94,6 +98,7 @@ private:
     void populateZoomFactorComboBox();
     void connectControls();
     void followRange(qint64 start, qint64 end);
+    void alignWithTimeColumn(int columnWidth);
     void connectDebugWidget();
     void disconnectDebugWidget();
     void updateDebugButtons();

@@ -12,12 +12,13 @@ namespace VeskTimeline {
 void TimelineWidget::showDebugWidget()
 {
     m_ui->debugWidget->show();
+    // What is shown must not be taken for an entry of the user's.
+    disconnectDebugWidget();
     if (const TimelineModel* const model = timelineModel()) {
         m_ui->sbDebugSnapStep->setValue(model->snapStep());
         m_ui->sbDebugSnapTol->setValue(model->snapTolerance());
     }
     updateDebugButtons();
-    disconnectDebugWidget();
     connectDebugWidget();
     onUpdateDebugInfo();
 }

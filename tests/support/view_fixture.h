@@ -8,21 +8,23 @@
 
 #include <QTest>
 
-/// A view on screen over a model with two empty tracks, A and B. The range begins at `origin` and lasts one hour; the
-/// window is its first half hour, and the time column is 1800 pixels wide, so that a pixel shows one second.
-struct ViewFixture
+/// A view on screen over a model, a TestModel or a subclass, with two empty tracks, A and B. The range begins at
+/// `origin` and lasts one hour; the window is its first half hour, and the time column is 1800 pixels wide, so that a
+/// pixel shows one second.
+template <typename Model>
+struct ViewFixtureOf
 {
     static constexpr qint64 origin = 1'600'000'200'000;
     static constexpr int labelWidth = 200;
     static constexpr int secondsVisible = 1800;
 
     // The model outlives the view, as an application's does.
-    TestModel model;
+    Model model;
     VeskTimeline::TimelineView view;
     int trackA = model.newTrack(QStringLiteral("A"));
     int trackB = model.newTrack(QStringLiteral("B"));
 
-    ViewFixture()
+    ViewFixtureOf()
     {
         model.setView(&view);
         view.setModel(&model);
@@ -58,3 +60,5 @@ struct ViewFixture
         return model.newItem(trackId, at(start), length * 1000, color, isEditable);
     }
 };
+
+using ViewFixture = ViewFixtureOf<TestModel>;
