@@ -14,7 +14,7 @@ if(way STREQUAL "find_package")
     set(arguments -D CMAKE_PREFIX_PATH=${work}/prefix)
 endif()
 run(
-    ${CMAKE_COMMAND} -S ${source} -B ${work}/build -G Ninja -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_COMPILER=${compiler}
+    ${CMAKE_COMMAND} -S ${source} -B ${work}/build -G Ninja -D CMAKE_BUILD_TYPE=Debug -D CMAKE_CXX_COMPILER=${compiler}
     -D CMAKE_CXX_COMPILER_LAUNCHER=${launcher} ${arguments}
 )
 run(${CMAKE_COMMAND} --build ${work}/build --parallel 2)
