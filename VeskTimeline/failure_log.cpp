@@ -26,9 +26,11 @@ void logCaughtException(IHoxLogger& logger, const char* signature, Hox::LogLevel
     try {
         throw;
     } catch (const QString& text) {
-        VESK_LOG(logger, levelForText) << signature << " " << text;
+        if (logger.isEnabled(levelForText))
+            Hox::LogStreamHelper(logger, levelForText, __FILE__, __LINE__, signature) << signature << " " << text;
     } catch (...) {
-        VESK_LOG(logger, Hox::Error) << signature << " failed";
+        if (logger.isEnabled(Hox::Error))
+            Hox::LogStreamHelper(logger, Hox::Error, __FILE__, __LINE__, signature) << signature << " failed";
     }
 }
 

@@ -115,6 +115,8 @@ void ItemDelegate::paintButton(QPainter* painter, QPushButton* button, const QSt
     button->setGeometry(0, 0, square.width(), square.height());
     button->setText(text);
     button->setEnabled(m_view->timelineModel()->isEditable());
+    // A button that is disabled comes up, and would stay so when it is enabled again.
+    button->setDown(button == m_pushButtonPressed && button->isEnabled());
     painter->drawPixmap(square.topLeft(), button->grab());
 }
 

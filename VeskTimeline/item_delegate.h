@@ -26,7 +26,7 @@ public:
     explicit ItemDelegate(TimelineView* view);
     ~ItemDelegate() override;
 
-    /// Failures in the time column are logged at Error to "Timeline.TimelineView"; a copy item that the model does not
+    /// Failures are logged at Error to "Timeline.TimelineView"; a copy item that the model does not
     /// know is reported on standard error and left out.
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     /// 100 by 50 pixels for every index: all rows have the same height.

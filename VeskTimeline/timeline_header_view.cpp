@@ -64,7 +64,6 @@ TimelineHeaderView::TimelineHeaderView(QWidget* parent)
         connect(m_timelineView, &TimelineView::currentTimeChanged, this, &TimelineHeaderView::onUpdateTicks);
         connect(m_timelineView, &TimelineView::rangeChanged, this, &TimelineHeaderView::onUpdateTicks);
         connect(m_timelineView, &TimelineView::zoomChanged, this, &TimelineHeaderView::onUpdateTicks);
-        connect(this, &QHeaderView::sectionResized, this, &TimelineHeaderView::onUpdateTicks);
     } else {
         qWarning("WARNING: main functionalities are inoperable without a TimelineView as parent.");
     }
@@ -72,6 +71,7 @@ TimelineHeaderView::TimelineHeaderView(QWidget* parent)
     setStretchLastSection(true);
     setMinimumSectionSize(minimumColumnWidth);
     setFixedHeight(plainHeight);
+    connect(this, &QHeaderView::sectionResized, this, &TimelineHeaderView::onUpdateTicks);
 
     m_liveTimer = new QTimer(this);
     connect(m_liveTimer, &QTimer::timeout, this, &TimelineHeaderView::onLiveTimeout);
@@ -100,7 +100,7 @@ QColor TimelineHeaderView::highlightColor()
 
 int TimelineHeaderView::toPixel(qint64 time) const
 {
-    if (time == noTime)
+    if (time == noTime || !m_timelineView)
         return noPosition;
     const int left = sectionPosition(1);
     return TimePixelMapping{m_timelineView->currentTime(), m_timelineView->zoomFactor(), left, geometry().width()}
@@ -109,6 +109,8 @@ int TimelineHeaderView::toPixel(qint64 time) const
 
 qint64 TimelineHeaderView::toTime(int x) const
 {
+    if (!m_timelineView)
+        return noTime;
     const int left = sectionPosition(1);
     return TimePixelMapping{m_timelineView->currentTime(), m_timelineView->zoomFactor(), left, geometry().width()}
         .toTime(x);
@@ -157,6 +159,8 @@ void TimelineHeaderView::updateMinorTicks()
 
 void TimelineHeaderView::onUpdateTicks()
 {
+    if (!m_timelineView)
+        return;
     updateMajorTicks();
     updateMediumTicks();
     updateMinorTicks();
@@ -389,10 +393,9 @@ void TimelineHeaderView::wheelEvent(QWheelEvent* event)
 
 bool TimelineHeaderView::viewportEvent(QEvent* event)
 {
-    // The base class would send the wheel to the rows, which take its position for one of theirs.
-    if (event->type() == QEvent::Wheel)
-        return QAbstractScrollArea::viewportEvent(event);
-    return QHeaderView::viewportEvent(event);
+    // The base class would hand the wheel on to the rows, which take its position for one of theirs.
+    return event->type() == QEvent::Wheel ? QAbstractScrollArea::viewportEvent(event)
+                                          : QHeaderView::viewportEvent(event);
 }
 
 void TimelineHeaderView::repaintRuler()

@@ -40,8 +40,8 @@ VESKTIMELINE_EXPORT QPixmap getMaxLimitIndicator();
 /// follows the mouse, and, when limits are visible, the start and end of the visible range. Times are milliseconds
 /// since the epoch, positions x coordinates of the ruler; -1 stands for no time and no position.
 ///
-/// The parent must be a TimelineView, from which the visible range is read; without one there is a warning, and ticks,
-/// toPixel() and toTime() must not be used. The parent cannot be changed.
+/// The parent must be a TimelineView, from which the visible range is read; without one there is a warning, there are
+/// no ticks, and toPixel() and toTime() answer -1. The parent cannot be changed.
 class VESKTIMELINE_EXPORT TimelineHeaderView : public QHeaderView
 {
     Q_OBJECT
@@ -72,7 +72,7 @@ public:
 
     /// Format of the tick labels and of the indicators' times; default DTG.
     DateTime::Format dateTimeFormat() const { return m_dateTimeFormat; }
-    /// Ignored while the format is not changeable.
+    /// Writes the ticks' labels anew; emits nothing. Ignored while the format is not changeable.
     void setDateTimeFormat(DateTime::Format format);
     /// Default true.
     bool isDateTimeFormatChangable() const { return m_isDateTimeFormatChangable; }
@@ -121,10 +121,12 @@ public:
     int liveTimerInterval() const { return m_liveTimerInterval; }
     /// Shows the live indicator and lets it advance by `interval` milliseconds every `interval` milliseconds. A running
     /// timer is restarted, with a warning.
-    /// @param startTime a negative one stands for the left edge of the view
+    /// Emits liveIndicatorTimeChanged() and liveIndicatorVisibilityChanged() where these change.
+    /// @param startTime a negative one stands for the left edge of the view; snapped while the model's snapping is on
     /// @param interval not above 0: refused with a critical message
     void startLiveTimer(qint64 startTime, int interval);
-    /// Stops the timer and hides the live indicator; does nothing when the timer is idle.
+    /// Stops the timer, takes the live indicator's time away, without a signal for it, and hides the indicator,
+    /// emitting liveIndicatorVisibilityChanged(). Does nothing when the timer is idle.
     void stopLiveTimer();
 
     qint64 hoverTime() const { return m_hoverTime; }

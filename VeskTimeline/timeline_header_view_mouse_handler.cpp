@@ -142,9 +142,7 @@ void TimelineHeaderViewMouseHandler::releaseRightButton()
 
 void TimelineHeaderViewMouseHandler::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (!m_header->m_timelineView)
-        return;
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton && m_header->m_timelineView)
         releaseLeftButton(event->position().toPoint());
     else if (event->button() == Qt::RightButton)
         releaseRightButton();

@@ -15,8 +15,8 @@ class TimelineHeaderView;
 /// Mouse and wheel on the ruler: drags and places the indicator, moves the hover marker, resizes the track column by
 /// its right border, changes the ruler's format with the right button, zooms and scrolls with the wheel.
 ///
-/// Positions are in the ruler's coordinates. Cursor shapes are set on the ruler's TimelineView; without one the events
-/// are ignored.
+/// Positions are in the ruler's coordinates. Cursor shapes are set on the ruler's TimelineView; without one only the
+/// right button has an effect.
 class VESKTIMELINE_EXPORT TimelineHeaderViewMouseHandler
 {
 public:
@@ -28,6 +28,8 @@ public:
 
     /// Left: grabs the indicator, if visible and not locked, or the border of the track column.
     virtual void mousePressEvent(QMouseEvent* event);
+    /// Moves the hover marker, and what the left button holds: the indicator, snapped while snapping is on, or the
+    /// border of the track column, up to half of the ruler.
     virtual void mouseMoveEvent(QMouseEvent* event);
     /// Left, without a move: places the indicator unless locked. Right: next format of the ruler.
     virtual void mouseReleaseEvent(QMouseEvent* event);

@@ -232,22 +232,32 @@ int TimelineModel::columnCount(const QModelIndex& /*parent*/) const
     return ColumnCount;
 }
 
+QString TimelineModel::nameOf(const Track& track) const
+{
+    try {
+        const QString text = track.text();
+        return text.isEmpty() ? tr("[unknown]") : text;
+    } catch (...) {
+        // A text that an application computes may fail; nothing is thrown at the view that asks for it.
+        logCaughtException(m_logger, Q_FUNC_INFO);
+        return tr("[unknown]");
+    }
+}
+
 QVariant TimelineModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || index.column() >= ColumnCount || (role != Qt::DisplayRole && role != Qt::UserRole))
         return {};
+    const Track* rowTrack = nullptr;
     try {
-        const Track* const rowTrack = trackOfIndex(index);
-        if (index.column() == TimeColumn)
-            return role == Qt::DisplayRole ? QVariant(rowTrack->id()) : rowTrack->userData();
-        if (role == Qt::UserRole)
-            return rowTrack->id();
-        const QString text = rowTrack->text();
-        return text.isEmpty() ? tr("[unknown]") : text;
+        rowTrack = trackOfIndex(index);
     } catch (const QString&) {
         Q_ASSERT(false);
         return {};
     }
+    if (index.column() == TimeColumn)
+        return role == Qt::DisplayRole ? QVariant(rowTrack->id()) : rowTrack->userData();
+    return role == Qt::UserRole ? QVariant(rowTrack->id()) : nameOf(*rowTrack);
 }
 
 Qt::ItemFlags TimelineModel::flags(const QModelIndex& index) const

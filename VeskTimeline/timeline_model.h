@@ -38,7 +38,8 @@ class VESKTIMELINE_EXPORT TimelineModel : public QAbstractItemModel
     Q_OBJECT
 
 public:
-    /// @param view asked whether an item is being dragged; not owned, may be null
+    /// @param view asked whether an item is being dragged; not owned, may be null. It is only asked, and forgotten
+    /// when it is destroyed while it shows the model
     explicit TimelineModel(TimelineView* view = nullptr, QObject* parent = nullptr);
     ~TimelineModel() override;
 
@@ -124,7 +125,8 @@ public:
     virtual void setItemDuration(Item& item, int duration);
     /// Calls the second form. @throws QString when the item is unknown
     virtual void setItemDuration(int itemId, int duration);
-    /// Moves the item to another track and, through setItemStartTime(), to a time. @throws QString for an unknown id
+    /// Moves the item to another track and, through setItemStartTime(), to a time. Should that throw, the item stands
+    /// on the new track already, under the old one's id. @throws QString for an unknown id, with nothing changed
     virtual void moveItemToTrack(int itemId, int trackId, qint64 time);
     /// Destroys an item. @throws QString when the item is unknown
     virtual void removeItem(int itemId);
@@ -184,7 +186,8 @@ protected:
     /// The same as indexOfTrack().
     QModelIndex indexOf(int trackId) const;
 
-    /// Queries over a track that resolve items through item(), and so through the item cache. Copy items do not count.
+    /// Queries over a track that look items up by id through item(), and so through the item cache, where they have
+    /// only an id. Copy items do not count.
     QVector<int> _itemIdsBetween(Track& t, qint64 start, qint64 end, bool strict, bool complete, bool recursive,
                                  bool sorted, qint64 minimumDuration) const;
     /// Copy items of the track and, when `recursive`, of its whole subtree; equal neighbours are reported once.
@@ -215,10 +218,13 @@ protected:
     Items m_clipboard;
 
 private:
+    QString nameOf(const Track& track) const;
     void clearItemsOfCachedTracks(Track& subtree);
     void sortByStartTime(QVector<int>& ids) const;
     void forgetDestroyedTrack(int trackId);
     void pasteCopy(ItemPtr& copy, qint64 time);
+
+    friend class TimelineView;
 };
 
 inline Track* TimelineModel::insertTrack(int parentTrackId, int row, TrackPtr&& track)

@@ -54,15 +54,19 @@ void TimelineModel::pasteCopy(ItemPtr& copy, qint64 time)
 void TimelineModel::pasteFromClipboard(qint64 time)
 {
     const qint64 base = snapTime(time);
-    const auto isPasted = [](const ItemPtr& copy) { return !copy; };
+    // Taken off first: each paste is announced, and whoever hears of it may copy something else.
+    Items copies = std::move(m_clipboard);
+    m_clipboard.clear();
     try {
-        for (ItemPtr& copy : m_clipboard)
+        for (ItemPtr& copy : copies)
             pasteCopy(copy, base);
     } catch (...) {
-        m_clipboard.erase(std::remove_if(m_clipboard.begin(), m_clipboard.end(), isPasted), m_clipboard.end());
+        const auto isPasted = [](const ItemPtr& copy) { return !copy; };
+        copies.erase(std::remove_if(copies.begin(), copies.end(), isPasted), copies.end());
+        if (m_clipboard.empty())
+            m_clipboard = std::move(copies);
         throw;
     }
-    m_clipboard.clear();
 }
 
 } // namespace VeskTimeline

@@ -79,6 +79,8 @@ TimelineView::TimelineView(QWidget* parent)
 
 TimelineView::~TimelineView()
 {
+    if (m_timelineModel && m_timelineModel->m_view == this)
+        m_timelineModel->m_view = nullptr;
     for (const QMetaObject::Connection& connection : std::as_const(m_lifetimeConnections))
         disconnect(connection);
 }
@@ -98,11 +100,15 @@ void TimelineView::forgetWhenDestroyed(QObject* object)
     }));
 }
 
-// The ids of one model mean nothing, or something else, in the next.
+// The ids of one model mean nothing, or something else, in the next: so gestures end with the model they began on.
 void TimelineView::leaveTimelineModel()
 {
     if (m_dragHandler)
         m_dragHandler->clear();
+    if (m_resizeHandler)
+        m_resizeHandler->clear();
+    if (m_selectHandler)
+        m_selectHandler->clear();
     if (hasSelectedItems())
         clearSelectedItems();
 }
@@ -135,7 +141,7 @@ void TimelineView::setModel(QAbstractItemModel* model)
 
 void TimelineView::setProxyModel(QAbstractProxyModel* proxy)
 {
-    auto* const source = qobject_cast<TimelineModel*>(proxy->sourceModel());
+    auto* const source = proxy ? qobject_cast<TimelineModel*>(proxy->sourceModel()) : nullptr;
     if (!source)
         throw QStringLiteral("source model cannot be cast to TimelineModel");
     m_model = source;
@@ -406,6 +412,8 @@ int TimelineView::fromDuration(qint64 d) const
 {
     if (!m_header)
         return -1;
+    if (m_zoomFactor == 0)
+        return 0;
     const auto windows = static_cast<unsigned>((d - m_startTime) / m_zoomFactor);
     const auto width = static_cast<unsigned>(geometry().width() - m_header->sectionPosition(1));
     return static_cast<int>(windows * width);

@@ -49,7 +49,8 @@ public:
     /// @throws QString "source model cannot be cast to TimelineModel", with nothing changed
     void setProxyModel(QAbstractProxyModel* proxy);
     /// Replaces the header and deletes the one before. One that is no TimelineHeaderView is shown, but leaves header()
-    /// null, with an error in the log: the view then knows no positions.
+    /// null, with an error in the log: the view then knows no positions. Null does the same, and the header before
+    /// stays.
     void setHeader(QHeaderView* header);
     /// @param delegate an ItemDelegate; not owned
     void setItemDelegate(QAbstractItemDelegate* delegate);
@@ -65,7 +66,8 @@ public:
     /// Clamped to minimumZoomFactor() and upperZoomFactor(). On a change emits zoomChanged() and, when the window would
     /// otherwise pass the end of the range, currentTimeChanged().
     void setZoomFactor(Zoom::Factor factor);
-    /// Smallest zoom factor and shortest range; default 15 s.
+    /// Smallest zoom factor and shortest range; default 15 s. Setting it, as setting the largest, emits what
+    /// setZoomFactor() emits when the zoom factor has to follow.
     Zoom::Factor minimumZoomFactor() const { return m_minZoomFactor; }
     void setMinimumZoomFactor(Zoom::Factor factor);
     /// Largest zoom factor that the application allows; default one day.
@@ -90,7 +92,8 @@ public:
     /// At least minimumZoomFactor(). Emits rangeChanged(), then zoomChanged() and currentTimeChanged() where they
     /// follow.
     void setDuration(int duration);
-    /// Sets start and length at once; bounds in the wrong order are swapped. The length must fit an int. Moves the
+    /// Sets start and length at once; bounds in the wrong order are swapped. The length must fit an int and is at least
+    /// minimumZoomFactor(). Moves the
     /// window into the range without a signal and leaves the zoom factor alone. Emits rangeChanged().
     void setRange(qint64 start, qint64 end);
 
@@ -154,7 +157,8 @@ Q_SIGNALS:
     void selectedItemsChanged(const QList<int>& ids);
     /// An item was double-clicked.
     void itemActivated(int itemId);
-    /// The user has finished moving or resizing items.
+    /// The left button was released over a move or a resize. A move is in the model only after this signal; drops and
+    /// moves by keys come without.
     void currentItemTimeChanged();
 
 protected:

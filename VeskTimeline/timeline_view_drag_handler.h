@@ -28,9 +28,11 @@ class TimelineView;
 /// items is this handler's state. Nothing changes in the model before the release or the drop. Until then the delegate
 /// paints the items displaced by deltaX() and deltaY().
 ///
-/// Failed look-ups are logged at Error to "Timeline.TimelineView"; no operation throws. Positions are in viewport
-/// coordinates, times milliseconds since the epoch. Every operation calls the others through their virtual slots, so
-/// that a subclass changes the rules by overriding one of them.
+/// Failed look-ups are logged to "Timeline.TimelineView", at Debug for a press on empty space, otherwise at Error; no
+/// event operation throws. deltaX(), deltaTime(), canDragItemsTo() and canMoveItemsTo() throw a `QString` when an item
+/// that is being dragged has gone. Positions are in viewport coordinates, times milliseconds since the epoch. Every
+/// operation calls the others through their virtual slots, so that a subclass changes the rules by overriding one of
+/// them.
 class VESKTIMELINE_EXPORT TimelineViewDragHandler
 {
 public:
@@ -48,6 +50,7 @@ public:
     /// Moves the items to their tracks with TimelineModel::moveItemToTrack(). A drop that is not allowed is accepted
     /// and changes nothing. A failure stops the moving; what was moved before stays moved.
     virtual void dropEvent(QDropEvent* event);
+    /// Follows the mouse; abandons the move unless the left button, and no other, is held.
     virtual void mouseMoveEvent(QMouseEvent* event);
     /// Left button on an item: takes the selection, or just the item when it is not selected. One that is not editable
     /// keeps the whole group where it is.
@@ -55,7 +58,8 @@ public:
     /// Ends a move over the track it began on. Emits TimelineView::currentItemTimeChanged(), then calls
     /// TimelineModel::setItemStartTime() for each item, when canMoveItemsTo() allows it.
     virtual void mouseReleaseEvent(QMouseEvent* event);
-    /// Left and Right move the selected items by ten snap steps, with Control by one; Escape abandons a move.
+    /// While the model is editable and items are selected: Left and Right move these by ten snap steps, with Control by
+    /// one; Escape abandons a move.
     virtual void keyPressEvent(QKeyEvent* event);
     /// Whether items have been dragged far enough to be moved.
     virtual bool isActive() const;

@@ -30,15 +30,6 @@ void guarded(IHoxLogger& logger, const char* signature, const Body& body)
     }
 }
 
-// QHeaderView hands its wheel events on to the rows as they are: the position is still the ruler's.
-bool isHandedOnBy(const QWidget& ruler, const QWheelEvent& event)
-{
-    const QPoint pos = event.position().toPoint();
-    const QPoint posOnRuler = ruler.mapFromGlobal(event.globalPosition().toPoint());
-    // Rounding, with a device pixel ratio that is no whole number, may make them differ.
-    return ruler.isVisible() && ruler.rect().contains(pos) && (posOnRuler - pos).manhattanLength() <= 1;
-}
-
 } // namespace
 
 bool TimelineView::isEditable() const
@@ -103,9 +94,8 @@ void TimelineView::routePress(QMouseEvent* event)
         return;
     }
 
-    if (isEditable() && cursorShape() == Qt::SizeHorCursor) {
-        if (m_resizeHandler)
-            m_resizeHandler->mousePressEvent(event);
+    if (m_resizeHandler && isEditable() && cursorShape() == Qt::SizeHorCursor) {
+        m_resizeHandler->mousePressEvent(event);
         return;
     }
     if (m_selectHandler)
@@ -131,7 +121,8 @@ void TimelineView::routeMove(QMouseEvent* event)
     if (m_isCursorTextVisible && pos != m_cursorPosition)
         viewport()->update();
     m_cursorPosition = pos;
-    const QModelIndex index = indexAt(pos);
+    // The hover marker has the rows laid out anew, and a proxy may make its indexes anew with them.
+    const QPersistentModelIndex index = indexAt(pos);
 
     if (m_header) {
         updateHover(pos);
@@ -234,7 +225,7 @@ bool TimelineView::isOverHeader(const QPointF& pos) const
 void TimelineView::wheelEvent(QWheelEvent* event)
 {
     guarded(m_logger, Q_FUNC_INFO, [&] {
-        if (isOverHeader(event->position()) || (m_header && isHandedOnBy(*m_header->viewport(), *event)))
+        if (isOverHeader(event->position()))
             m_header->wheelEvent(event);
         else if (isExactlyControlHeld())
             setZoomFactor(event->angleDelta().y() < 0 ? Zoom::increment(m_zoomFactor) : Zoom::decrement(m_zoomFactor));

@@ -143,6 +143,11 @@ void TimelineViewResizeHandler::finish()
 {
     Q_EMIT m_view->currentItemTimeChanged();
     m_view->setCursor(Qt::ArrowCursor);
+    clear();
+}
+
+void TimelineViewResizeHandler::clear()
+{
     m_currentTrackId = -1;
     m_currentItemId = -1;
     m_resizePos = eNone;
@@ -199,6 +204,8 @@ TimelineViewResizeHandler::Bounds TimelineViewResizeHandler::neighbourBounds(con
 qint64 TimelineViewResizeHandler::globalSnapTime(int x) const
 {
     const TimelineModel* const model = m_view->timelineModel();
+    if (!model)
+        return m_view->toTime(x);
     const qint64 gridTime = truncatedToGrid(m_view->toTime(x), model->snapStep());
     if (!holdsEdge())
         return gridTime;

@@ -21,6 +21,7 @@ class TimelineView;
 /// pixels.
 ///
 /// Failed look-ups are logged to "Timeline.TimelineView"; no event operation throws.
+/// localSnapTime() and globalSnapTime() throw a `QString` when the item held, or its track, has gone.
 class VESKTIMELINE_EXPORT TimelineViewResizeHandler
 {
 public:
@@ -37,7 +38,8 @@ public:
     virtual void mouseMoveEvent(QMouseEvent* event);
     /// Left button: takes the edge under the mouse.
     virtual void mousePressEvent(QMouseEvent* event);
-    /// Left button: ends the resize. Emits TimelineView::currentItemTimeChanged(), whether there was one or not.
+    /// Left button, while the model is editable: ends the resize. Emits TimelineView::currentItemTimeChanged(), whether
+    /// there was one or not.
     virtual void mouseReleaseEvent(QMouseEvent* event);
     /// Whether an edge is held.
     virtual bool isActive() const;
@@ -49,6 +51,9 @@ public:
     virtual qint64 globalSnapTime(int x) const;
 
 protected:
+    /// Back to idle without a signal; for a gesture whose model has gone.
+    void clear();
+
     TimelineView* m_view;
     int m_currentTrackId = -1;
     int m_currentItemId = -1;
@@ -74,6 +79,8 @@ private:
     bool snapCandidate(const Item& other, qint64 time, qint64* candidate) const;
     bool isBeyondOtherEdge(const Item& item, qint64 time) const;
     qint64 snappedToEdges(const Item& item, qint64 gridTime, const char* signature) const;
+
+    friend class TimelineView;
 };
 
 } // namespace VeskTimeline

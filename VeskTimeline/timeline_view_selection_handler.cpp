@@ -21,6 +21,13 @@ TimelineViewSelectHandler::TimelineViewSelectHandler(TimelineView* view) : m_vie
 
 TimelineViewSelectHandler::~TimelineViewSelectHandler() = default;
 
+void TimelineViewSelectHandler::clear()
+{
+    m_selectedItemId = -1;
+    m_isRubberBandActive = false;
+    m_rubberBand.setSize(QSize(0, 0));
+}
+
 bool TimelineViewSelectHandler::isActive() const
 {
     return QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier) || m_isRubberBandActive ||

@@ -48,6 +48,9 @@ public:
     const QRect& rubberBand() const { return m_rubberBand; }
 
 protected:
+    /// Gives up a pending click and a rubber band; for a gesture whose model has gone.
+    void clear();
+
     /// Ids of the items that the rubber band covers, row by row; may hold an id twice.
     virtual QVector<int> getItemsWithinRubberBand() const;
 
@@ -68,6 +71,8 @@ private:
     static void leaveUnknownKey(QKeyEvent* event);
     void paste();
     void appendRowItems(const QPoint& pos, qint64 start, qint64 end, QVector<int>* ids) const;
+
+    friend class TimelineView;
 };
 
 } // namespace VeskTimeline

@@ -5,7 +5,7 @@
 #include <QModelIndex>
 
 class QMouseEvent;
-class QRect;
+class QPoint;
 
 namespace VeskTimeline {
 

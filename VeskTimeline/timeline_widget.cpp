@@ -210,6 +210,9 @@ void TimelineWidget::setPlaceholder(QWidget* placeholder)
     if (placeholder == current)
         return;
     QLayout* const layout = m_ui->wPlaceholder->layout();
+    // Out of the current one first, should it be a part of that.
+    if (placeholder)
+        placeholder->setParent(m_ui->wPlaceholder);
     if (current) {
         layout->removeWidget(current);
         delete current;

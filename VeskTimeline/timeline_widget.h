@@ -37,7 +37,7 @@ public:
     QSize minimumSizeHint() const override;
 
     TimelineView* view() const;
-    /// The view's header.
+    /// The view's header; null when the view was given one that is no TimelineHeaderView.
     TimelineHeaderView* header() const;
     /// The view's model; null before setModel().
     TimelineModel* timelineModel() const;
@@ -46,7 +46,9 @@ public:
     /// See TimelineView::setModel().
     void setModel(QAbstractItemModel* model);
 
-    /// The following are those of TimelineView.
+    /// The following are those of TimelineView. The slider follows, and as it counts whole seconds it cuts the window's
+    /// start to them: after setCurrentTime(1500) currentTime() is 1000, with a currentTimeChanged() for each of the
+    /// two.
     Zoom::Factor zoomFactor() const;
     void setZoomFactor(Zoom::Factor factor);
     Zoom::Factor minimumZoomFactor() const;
@@ -71,20 +73,24 @@ public:
     void enableSnap() { setSnapEnabled(true); }
     void disableSnap() { setSnapEnabled(false); }
 
+    /// Icons of the zoom buttons in place of "icon:pnx_zoom_in.svg" and "icon:pnx_zoom_out.svg".
     void setZoomInIcon(const QIcon& icon);
     void setZoomOutIcon(const QIcon& icon);
 
     /// The application's widget below the time axis; null for none.
     QWidget* placeholder() const;
-    /// Takes ownership, and deletes the widget that was there before. Null removes it.
+    /// Takes ownership, and deletes the widget that was there before. Null removes it. It is shown below the track
+    /// column, no wider than that leaves room beside the zoom controls.
     void setPlaceholder(QWidget* placeholder);
 
+    /// Shows a panel with the view's range, zoom and selection, and controls for snapping, indicator and hover marker.
     void showDebugWidget();
     void hideDebugWidget();
     /// Turns the model's snapping on or off.
     void triggerSnap();
 
 public Q_SLOTS:
+    /// These keep controls and view in step; they are connected by the widget itself.
     void onSectionResized(int logicalIndex, int oldSize, int newSize);
     void onSliderValueChanged(int value);
     void onZoomChanged(VeskTimeline::Zoom::Factor factor);

@@ -180,6 +180,7 @@ public:
                         qint64 minimumDuration = 0) const;
 
     /// Writes the ids of this track and its children to standard error, for debugging.
+    /// @param withItems whether this track lists its items; children list theirs unless `level` is -1
     /// @param level the line's head is indented by twice the level; children are always printed at level 0
     void printTrackIds(bool withItems, int level) const;
 

@@ -49,7 +49,8 @@ bool Track::isItemBetween(const Item& item, qint64 start, qint64 end, bool stric
         return strict ? itemStart < end : itemStart <= end;
     }
 
-    Q_ASSERT(end == std::numeric_limits<qint64>::max() || end + 1 > start);
+    if (end != std::numeric_limits<qint64>::max())
+        Q_ASSERT(end + 1 > start);
     const qint64 itemEnd = itemStart + std::max<qint64>(item.duration(), minimumDuration);
     if (complete)
         return strict ? itemStart > start && itemEnd < end : itemStart >= start && itemEnd <= end;

@@ -2,6 +2,7 @@
 
 #include <HoxLogger/ihox_logger.h>
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -19,6 +20,7 @@ public:
         QString logger;
         Hox::LogLevel level;
         QString message;
+        QByteArray function;
     };
 
     RecordingLogger() : m_root(this) { Hox::HoxLoggerBootstrap::setHoxRootLogger(this); }
@@ -39,10 +41,10 @@ public:
         return *child;
     }
     bool isEnabled(Hox::LogLevel level) const override { return level >= m_root->m_threshold; }
-    void write(Hox::LogLevel level, const char* /*file*/, int /*line*/, const char* /*function*/,
+    void write(Hox::LogLevel level, const char* /*file*/, int /*line*/, const char* function,
                const QString& message) override
     {
-        m_root->m_entries.push_back({m_name, level, message});
+        m_root->m_entries.push_back({m_name, level, message, function});
     }
 
     /// Messages below the level are not written; at first all are.

@@ -76,11 +76,10 @@ Pointer& Pointer::moveTo(const QWidget* widget, const QPoint& pos)
 {
     m_lastWidget = widget;
     m_lastPos = pos;
-    // Qt drops a motion that ends where the last one it knows of has ended, even when the mouse has been elsewhere since
-    // then. It comes by way of the pixel beside it.
-    addMove(widget, pos, [](const QPoint& target) {
-        return s_lastPosition == target ? target + QPoint(1, 0) : QCursor::pos();
-    });
+    // Qt drops a motion that ends where the last one it knows of has ended, even when the mouse has been elsewhere
+    // since then. It comes by way of the pixel beside it.
+    addMove(widget, pos,
+            [](const QPoint& target) { return s_lastPosition == target ? target + QPoint(1, 0) : QCursor::pos(); });
     return addMove(widget, pos, [](const QPoint& target) { return target; });
 }
 
@@ -133,7 +132,9 @@ Pointer& Pointer::press(Qt::MouseButton button)
 Pointer& Pointer::release(Qt::MouseButton button)
 {
     return add({QStringLiteral("release"), always,
-                [button] { return QStringList{QStringLiteral("mouseup"), buttonNumber(button)}; },
+                [button] {
+                    return QStringList{QStringLiteral("mouseup"), buttonNumber(button)};
+                },
                 [button] { return !QGuiApplication::mouseButtons().testFlag(button); }});
 }
 
@@ -168,9 +169,9 @@ Pointer& Pointer::drag(const QWidget* widget, const QPoint& from, const QPoint& 
 Pointer& Pointer::wheel(int notches)
 {
     const int count = qAbs(notches);
-    const QStringList command = {QStringLiteral("click"),   QStringLiteral("--repeat"),
-                                 QString::number(count),    QStringLiteral("--delay"),
-                                 QStringLiteral("5"), QString::number(notches > 0 ? wheelUp : wheelDown)};
+    const QStringList command = {QStringLiteral("click"), QStringLiteral("--repeat"),
+                                 QString::number(count),  QStringLiteral("--delay"),
+                                 QStringLiteral("5"),     QString::number(notches > 0 ? wheelUp : wheelDown)};
     return add({QStringLiteral("turn the wheel"), always, [command] { return command; },
                 [this, count] { return m_received.wheels == count; }});
 }
@@ -180,24 +181,29 @@ Pointer& Pointer::key(const QString& name)
     const auto count = static_cast<int>(name.count(u'+')) + 1;
     // The last release may find the window gone that the press has closed.
     const int releases = count - 1;
-    return add({QStringLiteral("key ") + name, [] { return QGuiApplication::focusWindow() != nullptr; },
-                [name] { return QStringList{QStringLiteral("key"), name}; },
-                [this, count, releases] {
-                    return m_received.keyPresses >= count && m_received.keyReleases >= releases;
-                }});
+    return add(
+        {QStringLiteral("key ") + name, [] { return QGuiApplication::focusWindow() != nullptr; },
+         [name] {
+             return QStringList{QStringLiteral("key"), name};
+         },
+         [this, count, releases] { return m_received.keyPresses >= count && m_received.keyReleases >= releases; }});
 }
 
 Pointer& Pointer::keyDown(const QString& name)
 {
     return add({QStringLiteral("key down ") + name, [] { return QGuiApplication::focusWindow() != nullptr; },
-                [name] { return QStringList{QStringLiteral("keydown"), name}; },
+                [name] {
+                    return QStringList{QStringLiteral("keydown"), name};
+                },
                 [this] { return m_received.keyPresses == 1; }});
 }
 
 Pointer& Pointer::keyUp(const QString& name)
 {
     return add({QStringLiteral("key up ") + name, always,
-                [name] { return QStringList{QStringLiteral("keyup"), name}; },
+                [name] {
+                    return QStringList{QStringLiteral("keyup"), name};
+                },
                 [this] { return m_received.keyReleases == 1; }});
 }
 

@@ -52,7 +52,8 @@ public:
     /// Does something between two actions. It must not run an event loop.
     Pointer& then(std::function<void()> action);
 
-    /// Does what is queued; a drag and drop must end within. When something does not happen, lets go of everything, drops the rest and returns false.
+    /// Does what is queued; a drag and drop must end within. When something does not happen, lets go of everything,
+    /// drops the rest and returns false.
     bool play();
     /// What did not happen.
     QString error() const { return m_error; }

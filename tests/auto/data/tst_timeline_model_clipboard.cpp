@@ -55,7 +55,23 @@ private Q_SLOTS:
     void pasteToARemovedTrackThrowsAndKeepsTheRest();
     void failedPasteLeavesTheCopyAsItWas();
     void pasteToATrackRemovedWithItsParentThrows();
+    void copyFromASlotOfThePasteIsKept();
 };
+
+void tst_timeline_model_clipboard::copyFromASlotOfThePasteIsKept()
+{
+    TestModel model;
+    const int track = model.newTrack(QStringLiteral("A"));
+    const int first = model.newItem(track, 1000, 10);
+    const int second = model.newItem(track, 2000, 20);
+    model.copyToClipboard({first, second});
+    connect(&model, &QAbstractItemModel::dataChanged, &model, [&] { model.copyToClipboard({second}); });
+
+    model.pasteFromClipboard(5000);
+    QCOMPARE(model.times(track), (QStringList{"1000+10", "2000+20", "5000+10", "6000+20"}));
+    QCOMPARE(model.m_clipboard.size(), std::size_t{1});
+    QCOMPARE(model.m_clipboard.front()->duration(), 20);
+}
 
 void tst_timeline_model_clipboard::copyKeepsStartsRelativeToTheEarliest()
 {

@@ -106,7 +106,7 @@ private Q_SLOTS:
     void theKeyboardCountsNotTheEvent();
 
     void theBaseHeaderGetsNoMouseEvents();
-    void withoutAViewEventsAreIgnored();
+    void withoutAViewOnlyTheRightButtonCounts();
 };
 
 void TestHeaderMouseHandler::membersAreDeclaredInOrder()
@@ -677,7 +677,7 @@ void TestHeaderMouseHandler::theBaseHeaderGetsNoMouseEvents()
     QVERIFY(pressed.isEmpty() && clicked.isEmpty() && entered.isEmpty() && moved.isEmpty());
 }
 
-void TestHeaderMouseHandler::withoutAViewEventsAreIgnored()
+void TestHeaderMouseHandler::withoutAViewOnlyTheRightButtonCounts()
 {
     QTest::ignoreMessage(QtWarningMsg,
                          "WARNING: main functionalities are inoperable without a TimelineView as parent.");
@@ -688,7 +688,7 @@ void TestHeaderMouseHandler::withoutAViewEventsAreIgnored()
     Input::wheel(&orphan, {100, upperHalf}, 120);
     QVERIFY(!orphan.mouseHandler()->isBusy());
     QCOMPARE(orphan.indicatorTime(), qint64(-1));
-    QCOMPARE(int(orphan.dateTimeFormat()), int(DateTime::DTG));
+    QCOMPARE(int(orphan.dateTimeFormat()), int(DateTime::ISODate));
 }
 
 QTEST_MAIN(TestHeaderMouseHandler)

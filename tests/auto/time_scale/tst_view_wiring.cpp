@@ -143,6 +143,7 @@ private Q_SLOTS:
     void whoIsToldOfALostModelFindsNone();
 
     void replacedHeaderIsDeleted();
+    void replacedHeaderIsDeletedWhereverItHasGone();
     void sameHeaderStays();
     void newHeaderIsConnected();
     void aHeaderThatWasReplacedIsHeardNoMore();
@@ -487,6 +488,16 @@ void TestViewWiring::replacedHeaderIsDeleted()
     QCOMPARE(second->count(), 2);
     f.fitWindow();
     QCOMPARE(f.view.toPixel(ViewFixture::at(100)), ViewFixture::labelWidth + 100);
+}
+
+void TestViewWiring::replacedHeaderIsDeletedWhereverItHasGone()
+{
+    QWidget other;
+    TimelineView view;
+    const QPointer<TimelineHeaderView> first = view.header();
+    first->QWidget::setParent(&other);
+    view.setHeader(new TimelineHeaderView(&view));
+    QVERIFY(first.isNull());
 }
 
 void TestViewWiring::sameHeaderStays()

@@ -323,6 +323,9 @@ void TestItemDelegate::selectedItemHasAnOutlineOfFivePixels()
         QCOMPARE(at(image, 25, y), highlight);
     for (const int y : {13, 27})
         QCOMPARE(at(image, 25, y), QColor(Qt::yellow));
+    // The corners are cut off.
+    for (const QPoint& corner : {QPoint(8, 8), QPoint(42, 8), QPoint(8, 32), QPoint(42, 32)})
+        QCOMPARE(image.pixelColor(corner), QColor(Qt::white));
 }
 
 void TestItemDelegate::itemPaintLeavesThePainterAsItWas()
@@ -735,6 +738,11 @@ void TestItemDelegate::pressedButtonsLookPressed()
     QCOMPARE(looksPressed(f.trackA, "+"), "yes");
     QCOMPARE(looksPressed(f.trackA, "-"), "no");
     QCOMPARE(looksPressed(f.trackB, "+"), "no");
+    QCOMPARE(looksPressed(f.trackB, "-"), "yes");
+    // Qt raises a button that is disabled; it must be down again when the model is editable again.
+    f.model.setEditable(false);
+    f.picture();
+    f.model.setEditable(true);
     QCOMPARE(looksPressed(f.trackB, "-"), "yes");
     f.view.setTrackHandler(nullptr);
     QCOMPARE(looksPressed(f.trackA, "+"), "no");

@@ -65,6 +65,13 @@ struct WidgetFixture
     QComboBox* box() const { return child<QComboBox>("cbZoom"); }
     QScrollBar* slider() const { return widget.slider(); }
     int zoom() const { return widget.zoomFactor(); }
+    bool isSliderBelowTimeColumn() const
+    {
+        const TimelineHeaderView* const header = widget.header();
+        const int left = header->viewport()->mapTo(&widget, QPoint(header->sectionPosition(1), 0)).x();
+        return slider()->x() == left && slider()->width() == header->sectionSize(1) &&
+               slider()->y() > widget.view()->geometry().bottom();
+    }
     QList<int> offeredZooms() const
     {
         QList<int> zooms;
@@ -499,28 +506,22 @@ void TestTimelineWidget::sliderLiesExactlyBelowTheTimeColumn()
     WidgetFixture f;
     f.setRange(origin, origin + oneHour);
     f.show();
-    const auto isBelow = [&f] {
-        const TimelineHeaderView* const header = f.widget.header();
-        const int left = header->viewport()->mapTo(&f.widget, QPoint(header->sectionPosition(1), 0)).x();
-        return f.slider()->x() == left && f.slider()->width() == header->sectionSize(1) &&
-               f.slider()->y() > f.widget.view()->geometry().bottom();
-    };
-    QVERIFY(isBelow());
+    QVERIFY(f.isSliderBelowTimeColumn());
     f.widget.header()->resizeSection(0, 350);
     f.settle();
-    QVERIFY(isBelow());
+    QVERIFY(f.isSliderBelowTimeColumn());
     f.widget.resize(1400, 500);
     f.settle();
-    QVERIFY(isBelow());
+    QVERIFY(f.isSliderBelowTimeColumn());
     f.widget.resize(700, 500);
     f.settle();
-    QVERIFY(isBelow());
+    QVERIFY(f.isSliderBelowTimeColumn());
     f.widget.setPlaceholder(new QLabel(QStringLiteral("a placeholder")));
     f.settle();
-    QVERIFY(isBelow());
+    QVERIFY(f.isSliderBelowTimeColumn());
     f.widget.showDebugWidget();
     f.settle();
-    QVERIFY(isBelow());
+    QVERIFY(f.isSliderBelowTimeColumn());
 }
 
 void TestTimelineWidget::widgetCanBeMadeNarrow()
@@ -603,6 +604,7 @@ void TestTimelineWidget::widePlaceholderDoesNotWidenTheWidget()
     f.settle();
     f.settle();
     QCOMPARE(f.widget.width(), 1100);
+    QVERIFY(f.isSliderBelowTimeColumn());
     QVERIFY(f.child<QWidget>("wPlaceholder")->geometry().right() < f.slider()->geometry().left());
 }
 

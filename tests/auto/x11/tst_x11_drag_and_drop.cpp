@@ -56,6 +56,7 @@ class TestX11DragAndDrop : public QObject
 private Q_SLOTS:
     void init();
     void dropOnAnotherTrackMovesTheItemInTrackAndTime();
+    void crossingIntoTheNextRowWithinTheStartDistanceStartsNoDrag();
     void severalItemsMoveByTheSameNumberOfRows();
     void dropBackOnTheStartTrackMovesTheItemInTime();
     void hoverMarkerFollowsTheDrag();
@@ -99,6 +100,23 @@ void TestX11DragAndDrop::dropOnAnotherTrackMovesTheItemInTrackAndTime()
     QCOMPARE(changed.size(), 0);
 }
 
+void TestX11DragAndDrop::crossingIntoTheNextRowWithinTheStartDistanceStartsNoDrag()
+{
+    DesktopView desktop;
+    desktop.addSeconds(desktop.trackA, 100, 60);
+    QVERIFY(desktop.show());
+
+    // From just above the border of the two rows to just below it.
+    const QPoint border = desktop.pos(130, desktop.trackA) + QPoint(0, DesktopView::rowHeight / 2);
+    bool isStarted = false;
+    Pointer pointer;
+    pointer.moveTo(desktop.rows(), border - QPoint(0, 3)).press().moveTo(desktop.rows(), border + QPoint(0, 4));
+    pointer.then([&] { isStarted = isDragUnderWay(desktop.view); });
+    PLAY(pointer.release());
+    QVERIFY(!isStarted);
+    QCOMPARE(desktop.items(), QStringList({"A:100+60"}));
+}
+
 void TestX11DragAndDrop::severalItemsMoveByTheSameNumberOfRows()
 {
     DesktopView desktop;
@@ -138,9 +156,8 @@ void TestX11DragAndDrop::hoverMarkerFollowsTheDrag()
     Pointer pointer;
     pointer.moveTo(desktop.rows(), desktop.pos(130, desktop.trackA)).press().glideTo(desktop.pos(180, desktop.trackB));
     pointer.moveTo(desktop.rows(), desktop.pos(250, desktop.trackC));
-    pointer.expect("the marker is at the mouse", [&] {
-        return desktop.header()->hoverPosition() == desktop.pos(250, desktop.trackC).x();
-    });
+    pointer.expect("the marker is at the mouse",
+                   [&] { return desktop.header()->hoverPosition() == desktop.pos(250, desktop.trackC).x(); });
     PLAY(pointer.release());
     QTRY_COMPARE(desktop.items(), QStringList({"C:220+60"}));
 }

@@ -69,7 +69,8 @@ QMessageBox* TestX11Tracks::question(const DesktopView& desktop)
 Pointer& TestX11Tracks::askToRemove(Pointer& pointer, const DesktopView& desktop, int trackId)
 {
     pointer.moveTo(desktop.rows(), removeButtonPos(desktop, trackId)).click();
-    return pointer.expect("the question stands", [&] { return question(desktop) && question(desktop)->isActiveWindow(); });
+    return pointer.expect("the question stands",
+                          [&] { return question(desktop) && question(desktop)->isActiveWindow(); });
 }
 
 void TestX11Tracks::insertButtonInsertsAtThePress()
