@@ -1,3 +1,5 @@
+#include "kit_tr_p.h"
+
 #include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/result.h>
 
@@ -41,8 +43,24 @@ DocumentTrack& Document::track(const QStringList& path)
     if (path.size() > 1)
         track(path.first(path.size() - 1));
     m_positions.insert(path, static_cast<int>(m_tracks.size()));
-    m_tracks.push_back({path, {}});
+    m_tracks.push_back({path, {}, {}});
     return m_tracks.back();
+}
+
+QStringList Document::longItemWarnings() const
+{
+    constexpr qsizetype mostWarnings = 100;
+    QStringList texts;
+    for (const DocumentTrack& track : m_tracks) {
+        for (const DocumentItem& item : track.items) {
+            if (item.duration <= DocumentItem::longestBar)
+                continue;
+            if (texts.size() == mostWarnings)
+                return texts;
+            texts.append(Tr::tr("“%1” is longer than 24 days and is shown in pieces").arg(item.label));
+        }
+    }
+    return texts;
 }
 
 void Document::merge(const Document& other)
@@ -50,6 +68,8 @@ void Document::merge(const Document& other)
     for (const DocumentTrack& source : other.m_tracks) {
         DocumentTrack& target = track(source.path);
         target.items.insert(target.items.end(), source.items.begin(), source.items.end());
+        if (!target.color.isValid())
+            target.color = source.color;
     }
     m_warnings.append(other.m_warnings);
 }

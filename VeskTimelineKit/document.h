@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -18,6 +19,8 @@ struct DocumentItem
 {
     /// Duration of an item that has a start and no end.
     static constexpr int openEnded = -1;
+    /// The longest duration that one bar of a timeline can have. A model shows a longer item in pieces.
+    static constexpr qint64 longestBar = std::numeric_limits<int>::max();
 
     QString label;
     qint64 start = 0;       ///< milliseconds since the epoch, UTC
@@ -36,6 +39,7 @@ struct DocumentTrack
 {
     QStringList path; ///< the names from the top level down to this track; never empty
     std::vector<DocumentItem> items;
+    QColor color = {}; ///< of items that have none; invalid: whoever shows the track chooses
 };
 
 /// From the earliest start to the latest end; milliseconds since the epoch.
@@ -64,8 +68,11 @@ public:
     /// What a reader noticed and went on, in sentences for the user.
     const QStringList& warnings() const { return m_warnings; }
     void addWarning(const QString& text) { m_warnings.append(text); }
+    /// A sentence for each item that is longer than one bar, the first 100 of them.
+    QStringList longItemWarnings() const;
 
-    /// Adds the tracks, items and warnings of another document; tracks of the same path become one.
+    /// Adds the tracks, items and warnings of another document; tracks of the same path become one, which keeps its
+    /// colour if it has one.
     void merge(const Document& other);
 
 private:

@@ -1,4 +1,7 @@
+#include "kit_tr_p.h"
+
 #include <VeskTimelineKit/labelled_item.h>
+#include <VeskTimelineKit/time_text.h>
 
 #include <QPainter>
 #include <QStyleOptionViewItem>
@@ -14,8 +17,9 @@ constexpr int rowMargin = 4;
 constexpr int labelMargin = 4;
 constexpr int markerRadius = 5;
 constexpr int narrowestBar = 3;
+constexpr int arrowWidth = 8;
 constexpr qreal plainWidth = 1.0;
-constexpr qreal selectedWidth = 3.0;
+constexpr qreal selectedWidth = 5.0;
 
 // Relative luminance as the web content accessibility guidelines define it, 0 to 1.
 double luminance(const QColor& color)
@@ -36,7 +40,37 @@ QColor blended(const QColor& color, const QColor& background)
 
 QPen outline(const QColor& color, bool isSelected)
 {
-    return {isSelected ? Item::s_highlightColor : color.darker(180), isSelected ? selectedWidth : plainWidth};
+    return {isSelected ? Item::s_highlightColor : color.darker(180), isSelected ? selectedWidth : plainWidth,
+            Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
+}
+
+QString cut(const QString& text, qsizetype longest)
+{
+    return text.size() <= longest ? text : text.first(longest) + QChar(0x2026);
+}
+
+// "3 d 04:05:06.007", without what is zero at the front and behind the seconds.
+QString durationText(qint64 duration)
+{
+    constexpr qint64 second = 1000;
+    constexpr qint64 day = 24 * 3600 * second;
+    const qint64 days = duration / day;
+    const qint64 seconds = duration % day / second;
+    const qint64 milliseconds = duration % second;
+    const auto twoDigits = [](qint64 number) { return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0')); };
+    QString text = QStringLiteral("%1:%2:%3")
+                       .arg(twoDigits(seconds / 3600), twoDigits(seconds / 60 % 60), twoDigits(seconds % 60));
+    if (days > 0)
+        text.prepend(Tr::tr("%1 d ").arg(days));
+    if (milliseconds > 0)
+        text.append(QStringLiteral(".%1").arg(milliseconds, 3, 10, QLatin1Char('0')));
+    return text;
+}
+
+QString toolTipRow(const QString& name, const QString& value)
+{
+    return QStringLiteral("<tr><td>%1</td><td style=\"padding-left:8px\">%2</td></tr>")
+        .arg(name, value.toHtmlEscaped());
 }
 
 } // namespace
@@ -50,6 +84,30 @@ void LabelledItem::setIds(int id, int parentTrackId)
 {
     m_id = id;
     m_parentTrackId = parentTrackId;
+}
+
+QString LabelledItem::label() const
+{
+    return m_piece.isPiece() ? QStringLiteral("%1 (%2/%3)").arg(m_label).arg(m_piece.number).arg(m_piece.count)
+                             : m_label;
+}
+
+QString LabelledItem::toolTip(const QString& trackName) const
+{
+    constexpr qsizetype longestName = 200;
+    constexpr qsizetype longestDescription = 1000;
+    const bool hasEnd = duration() >= 0;
+    QString text = QStringLiteral("<qt><b>%1</b><table>").arg(cut(label().simplified(), longestName).toHtmlEscaped());
+    text += toolTipRow(Tr::tr("Start"), formatTime(startTime()));
+    text += toolTipRow(Tr::tr("End"), hasEnd ? formatTime(startTime() + duration()) : Tr::tr("open"));
+    if (hasEnd)
+        text += toolTipRow(Tr::tr("Duration"), durationText(duration()));
+    text += toolTipRow(Tr::tr("Track"), cut(trackName.simplified(), longestName));
+    text += QStringLiteral("</table>");
+    if (!m_description.isEmpty())
+        text += QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>")
+                    .arg(cut(m_description, longestDescription).toHtmlEscaped());
+    return text + QStringLiteral("</qt>");
 }
 
 QColor LabelledItem::readableTextColor(const QColor& background)
@@ -75,7 +133,10 @@ void LabelledItem::paint(QPainter* painter, const QStyleOptionViewItem& option, 
         paintMarker(painter, bar, isSelected);
     } else {
         paintBar(painter, bar, isSelected);
-        paintLabel(painter, option, bar);
+        const bool hasArrow = duration() < 0 && bar.width() > 2 * arrowWidth;
+        if (hasArrow)
+            paintArrow(painter, bar);
+        paintLabel(painter, option, hasArrow ? bar.adjusted(0, 0, -arrowWidth, 0) : bar);
     }
     painter->restore();
 }
@@ -98,6 +159,17 @@ void LabelledItem::paintMarker(QPainter* painter, const QRect& bar, bool isSelec
     painter->setBrush(m_color);
     painter->drawPolygon(QPolygonF({middle - QPointF(markerRadius, 0), middle - QPointF(0, markerRadius),
                                     middle + QPointF(markerRadius, 0), middle + QPointF(0, markerRadius)}));
+}
+
+void LabelledItem::paintArrow(QPainter* painter, const QRect& bar) const
+{
+    const int tip = bar.right() - 1;
+    const int middle = bar.center().y();
+    constexpr int halfHeight = 5;
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(outline(m_color, false).color());
+    painter->drawPolygon(QPolygon({QPoint(tip, middle), QPoint(tip - arrowWidth + 2, middle - halfHeight),
+                                   QPoint(tip - arrowWidth + 2, middle + halfHeight)}));
 }
 
 void LabelledItem::paintLabel(QPainter* painter, const QStyleOptionViewItem& option, const QRect& bar) const

@@ -4,42 +4,138 @@
 #include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/vesktimelinekit_export.h>
 
+class QUndoStack;
+
 namespace VeskTimeline::Kit {
 
 class LabelledItem;
+class ModelContents;
+enum class StepKind;
+struct StandardTimelineModelPrivate;
 
-/// A timeline model that is ready for use: filled from a Document, with labelled items, and with rows that can be
-/// inserted and removed by their buttons.
+/// A timeline model that is ready for use: filled from a Document, with labelled items, with rows that can be inserted
+/// and removed by their buttons, and with undo for everything that changes its contents.
 ///
-/// All items are LabelledItems. Items without a colour of their own get one by their track. For use on the GUI thread
-/// only.
+/// All items are LabelledItems. Items without a colour of their own show that of their track. For use on the GUI
+/// thread only.
+///
+/// Undo. Each operation is one step of undoStack(), except that setItemStartTime(), setItemDuration(),
+/// moveItemToTrack() and removeItem(), which views call once for each item, are grouped: those of one kind that happen
+/// before the event loop is reached again, or until the next press, release or drop, become one step, and so do the
+/// writes of a resize until the edge is let go. finishGesture() ends a group by hand. Undo brings back the very same
+/// items and tracks, under their ids, in their order. The clipboard and the settings are not part of it.
+///
+/// Signals. Tracks: the standard row signals. Items: itemsAdded(), itemsRemoved() and itemsChanged(), once for each
+/// operation, undo or redo, and then dataChanged() once for each row that shows one of them. A reset stands for all.
+///
+/// Items that last longer than one bar can (see DocumentItem::longestBar) are shown in consecutive pieces, their labels
+/// ending in "(1/3)". What such a piece says is changed for all pieces; views can remove, but not move or resize one.
+/// document() joins them again.
+///
+/// Operations with ids throw a `QString` for an unknown one, before anything has changed.
 class VESKTIMELINEKIT_EXPORT StandardTimelineModel : public TimelineModel
 {
     Q_OBJECT
 
 public:
+    /// What the policy hooks say to items of one track that overlap. A TimelineView does not let its user move items
+    /// onto others in either case.
+    enum OverlapPolicy { AllowOverlaps, RefuseOverlaps };
+
     /// For the parameters see TimelineModel.
     explicit StandardTimelineModel(TimelineView* view = nullptr, QObject* parent = nullptr);
     ~StandardTimelineModel() override;
 
+    /// Owned by the model. Emptied by setDocument() and clear().
+    QUndoStack* undoStack() const;
+
     /// Replaces all tracks and items, in one model reset; ids start again. Times are taken as they are, whether
     /// snapping is on or not. Every track gets both buttons. The clipboard, which is for the tracks that were, is
-    /// emptied.
+    /// emptied, and so is the undo stack.
     void setDocument(const Document& document);
+    /// Adds a document's tracks and items, in one step; a track whose path is there already is used. Times are taken as
+    /// they are.
+    void addDocument(const Document& document);
+    /// What the model holds, tracks from top to bottom. Of siblings with the same name all but the first are given
+    /// another one, with a warning, since a document tells tracks by their paths.
+    Document document() const;
+    /// As TimelineModel::clear(), and empties the undo stack.
+    void clear();
 
     /// All tracks of the tree, without the root.
     int trackCount() const;
 
-    /// The text of an item. @throws QString when the item is unknown
-    QString itemLabel(int itemId) const;
-    /// Emits dataChanged() for the item's row. @throws QString when the item is unknown
-    void setItemLabel(int itemId, const QString& label);
-
-    /// Destroys a track with its subtree and all their items, emitting the row-removal signals. Not for the root.
-    /// @throws QString when the track is unknown
+    /// Adds a track below all children of the parent. @return its id
+    int addTrack(const QString& name, int parentTrackId = 0);
+    /// Adds a track. @param row among the parent's children; -1 or past the end: last. @return its id
+    int insertTrack(int parentTrackId, int row, const QString& name);
+    /// Moves a track with all that is in it. Copy items of tracks that it is no longer below are dropped.
+    /// @param row the one that it has afterwards; -1 or past the end: last
+    /// @throws QString also for the root and when the new parent is the track itself or below it
+    void moveTrack(int trackId, int parentTrackId, int row);
+    /// @throws QString also for the root
+    void renameTrack(int trackId, const QString& name);
+    /// The colour of the track's items that have none of their own.
+    QColor colorOfTrack(int trackId) const;
+    /// @param color invalid: the default. @throws QString also for the root
+    void setTrackColor(int trackId, const QColor& color);
+    /// Removes a track with its subtree and all their items, emitting the row-removal signals. Not for the root.
     void removeTrack(int trackId) override;
-    /// See TimelineModel; the copies keep their labels.
+    /// Replaces the ids of the items that the track shows as copies, see Track.
+    void setCopyItemIds(int trackId, const QSet<int>& itemIds);
+
+    /// Adds an item; its times are taken as they are. @return its id, for a long item that of its first piece
+    int addItem(int trackId, const DocumentItem& item);
+    /// Adds items behind those that start at the same time, sorted once. @return their ids in the order of the list,
+    /// for a long item those of all its pieces
+    QVector<int> addItems(int trackId, const std::vector<DocumentItem>& items);
+    /// An id that is there twice counts once.
+    void removeItems(const QVector<int>& itemIds);
+    /// Sets start and duration as they are. A long item, which any piece stands for, is put together again under new
+    /// ids.
+    /// @param duration milliseconds, not negative, or DocumentItem::openEnded
+    void retimeItem(int itemId, qint64 start, qint64 duration);
+
+    /// The text of an item, as it is shown.
+    QString itemLabel(int itemId) const;
+    void setItemLabel(int itemId, const QString& label);
+    QString itemDescription(int itemId) const;
+    void setItemDescription(int itemId, const QString& description);
+    QMap<QString, QString> itemAttributes(int itemId) const;
+    void setItemAttributes(int itemId, const QMap<QString, QString>& attributes);
+    /// @param color invalid: that of the track
+    void setItemColor(int itemId, const QColor& color) { setItemsColor({itemId}, color); }
+    void setItemsColor(const QVector<int>& itemIds, const QColor& color);
+    /// A locked item is not editable: the user cannot move or resize it with the mouse.
+    void setItemLocked(int itemId, bool isLocked) { setItemsLocked({itemId}, isLocked); }
+    void setItemsLocked(const QVector<int>& itemIds, bool isLocked);
+    /// See LabelledItem::toolTip().
+    QString itemToolTip(int itemId) const;
+
+    OverlapPolicy overlapPolicy() const;
+    void setOverlapPolicy(OverlapPolicy policy);
+
+    using TimelineModel::setItemDuration;
+    using TimelineModel::setItemStartTime;
+    void setItemStartTime(Track& track, Item& item, qint64 time) override;
+    void setItemDuration(Track& track, Item& item, int duration) override;
+    /// Copy items of tracks that the item is no longer below are dropped.
+    void moveItemToTrack(int itemId, int trackId, qint64 time) override;
+    /// Removes an item, also from the copy items of the tracks above it.
+    void removeItem(int itemId) override;
+
+    /// Not for pieces of a long item nor against the overlap policy. Other items of the view's selection do not count,
+    /// since they move along.
+    bool canDropItem(const Item& item, int trackId, qint64 start) const override;
+    bool canMoveItem(const Item& item, qint64 start) const override;
+    /// As canMoveItem(), and not for a duration below minimumDuration().
+    bool canResizeItem(const Item& item, qint64 start, int duration) const override;
+
+    /// See TimelineModel; the copies keep their labels, descriptions, attributes and colours.
     void copyToClipboard(const QVector<int>& itemIds) override;
+    void cutToClipboard(const QVector<int>& itemIds) override;
+    /// @throws QString also when an item would overlap another against the policy; then nothing changes
+    void pasteFromClipboard(qint64 time) override;
 
     /// The colour of items that have none, by the position of their track, from 0. The colours repeat.
     static QColor trackColor(int position);
@@ -50,12 +146,44 @@ public Q_SLOTS:
     void onInsertTrack(const QModelIndex& index) override;
     /// Removes the row's track, see removeTrack(). Does nothing for an invalid index.
     void onRemoveTrack(const QModelIndex& index) override;
+    /// What is done next becomes a step of its own.
+    void finishGesture();
+
+Q_SIGNALS:
+    /// @param itemIds ascending; so with the other two
+    void itemsAdded(const QVector<int>& itemIds);
+    void itemsRemoved(const QVector<int>& itemIds);
+    /// Times, track or anything that the items say.
+    void itemsChanged(const QVector<int>& itemIds);
 
 private:
-    void addTracks(const Document& document);
-    void addItems(Track& track, const std::vector<DocumentItem>& items, const QColor& defaultColor);
-    void forgetSubtree(const Track& track);
+    friend class ModelContents;
+
+    std::unique_ptr<LabelledItem> makeItem(const Track& track, const DocumentItem& source);
+    void makePieces(const Track& track, const DocumentItem& source, Items& items);
+    Items makeItems(const Track& track, const std::vector<DocumentItem>& sources, QVector<int>* ids);
+    void putNewItems(int trackId, Items&& items);
+    int addNewTrack(int parentTrackId, int row, const QString& name, const QColor& color);
+    int childNamed(int parentTrackId, const QString& name, const QColor& color);
+
+    void removeFromModel(const QVector<int>& itemIds);
+    void dropCopies(const Track& from, const QSet<int>& itemIds, const Track* stillBelow);
+    QVector<int> piecesOf(int itemId) const;
+    template <typename Body>
+    void changeDetails(StepKind kind, const QVector<int>& itemIds, const Body& body);
+    template <typename Body>
+    void recordItem(Item& item, const Body& body);
+    bool isRecorded(const Track& track, const Item& item) const;
+    void moveUnrecorded(int itemId, int trackId, qint64 time);
+    void labelCopies(const QVector<int>& itemIds);
+    void recordPasted(int firstNewId);
+
+    bool isFree(const Item& item, int trackId, qint64 start, int duration) const;
+    void refuseOverlapsOfPaste(qint64 time) const;
+    const LabelledItem* labelledItem(int itemId) const;
     static QString newTrackName(const Track& parent);
+
+    std::unique_ptr<StandardTimelineModelPrivate> d;
 };
 
 } // namespace VeskTimeline::Kit

@@ -1,10 +1,13 @@
 #include "command_line.h"
 
 #include <VeskTimelineKit/document_format.h>
+#include <VeskTimelineKit/time_text.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
+
+#include <optional>
 
 namespace Workbench {
 
@@ -32,13 +35,21 @@ struct Options
                             Tr::tr("Read the files as this format instead of by suffix and content: %1.")
                                 .arg(formatNames().join(QStringLiteral(", "))),
                             QStringLiteral("FORMAT")};
+    QCommandLineOption stretch{
+        QStringLiteral("stretch"),
+        Tr::tr("Show one millisecond of a trace as N milliseconds; without this option as 1000."), QStringLiteral("N")};
+    QCommandLineOption expand{
+        QStringLiteral("expand"),
+        Tr::tr("Make the occurrences of recurring events that start from START on and before END; "
+               "each is a date, an ISO 8601 time with its zone, or milliseconds since 1970."),
+        QStringLiteral("START..END")};
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, Tr::tr("Print this text and exit.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, Tr::tr("Print the version and exit.")};
 
     void addTo(QCommandLineParser& parser) const
     {
         parser.setApplicationDescription(Tr::tr("Shows timelines."));
-        parser.addOptions({info, convert, screenshot, from, help, version});
+        parser.addOptions({info, convert, screenshot, from, stretch, expand, help, version});
         parser.addPositionalArgument(QStringLiteral("FILE"), Tr::tr("Timelines to load; tracks of the same name join."),
                                      QStringLiteral("[FILE...]"));
     }
@@ -64,13 +75,64 @@ QString usageError(const QCommandLineParser& parser, const Options& options)
     }
     if (actions.size() > 1)
         return Tr::tr("%1 do not go together").arg(actions.join(QStringLiteral(", ")));
-    for (const QCommandLineOption& option : {options.convert, options.screenshot, options.from}) {
+    for (const QCommandLineOption& option :
+         {options.convert, options.screenshot, options.from, options.stretch, options.expand}) {
         if (parser.values(option).size() > 1)
             return Tr::tr("--%1 is there more than once").arg(option.names().first());
     }
     const bool needsFiles = parser.isSet(options.info) || parser.isSet(options.convert);
     if (needsFiles && parser.positionalArguments().isEmpty())
         return Tr::tr("%1 needs a FILE").arg(actions.first());
+    return {};
+}
+
+// Nothing for what is no number that times can be stretched by.
+std::optional<double> stretchOf(const QString& text)
+{
+    // Beyond that, times are either all the same or out of range.
+    constexpr double least = 1e-6;
+    constexpr double most = 1e9;
+    bool isNumber = false;
+    const double stretch = text.toDouble(&isNumber);
+    return isNumber && stretch >= least && stretch <= most ? std::optional<double>(stretch) : std::nullopt;
+}
+
+// A date alone is its midnight, UTC.
+std::optional<qint64> timeOf(const QString& text)
+{
+    const std::optional<ParsedTime> time = parseTime(text);
+    const std::optional<ParsedTime> midnight = time ? time : parseTime(text + QStringLiteral("T00:00Z"));
+    return midnight ? std::optional<qint64>(midnight->time) : std::nullopt;
+}
+
+std::optional<TimeSpan> spanOf(const QString& text)
+{
+    const QStringList ends = text.split(QStringLiteral(".."));
+    if (ends.size() != 2)
+        return std::nullopt;
+    const std::optional<qint64> start = timeOf(ends.first());
+    const std::optional<qint64> end = timeOf(ends.last());
+    if (!start || !end || *start >= *end)
+        return std::nullopt;
+    return TimeSpan{*start, *end};
+}
+
+// Empty when the options for reading are right.
+QString readReadOptions(const QCommandLineParser& parser, const Options& options, ReadOptions& readOptions)
+{
+    if (parser.isSet(options.stretch)) {
+        const QString text = parser.value(options.stretch);
+        const std::optional<double> stretch = stretchOf(text);
+        if (!stretch)
+            return Tr::tr("times cannot be stretched by \"%1\"").arg(text);
+        readOptions.stretch = *stretch;
+    }
+    if (parser.isSet(options.expand)) {
+        const QString text = parser.value(options.expand);
+        readOptions.expand = spanOf(text);
+        if (!readOptions.expand)
+            return Tr::tr("\"%1\" is not START..END with an end after the start").arg(text);
+    }
     return {};
 }
 
@@ -127,6 +189,8 @@ CommandLine parseCommandLine(const QStringList& arguments)
     commandLine.files = parser.positionalArguments();
     commandLine.output = parser.value(commandLine.action == Action::Convert ? options.convert : options.screenshot);
     if (const QString error = outputError(commandLine.action, commandLine.output); !error.isEmpty())
+        return refusal(error);
+    if (const QString error = readReadOptions(parser, options, commandLine.readOptions); !error.isEmpty())
         return refusal(error);
     if (parser.isSet(options.from)) {
         const QString name = parser.value(options.from);

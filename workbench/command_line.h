@@ -1,5 +1,7 @@
 #pragma once
 
+#include <VeskTimelineKit/read_options.h>
+
 #include <QString>
 #include <QStringList>
 
@@ -25,7 +27,8 @@ struct CommandLine
     Action action = Action::ShowWindow;
     QStringList files;
     QString output;                                          ///< of Convert and SaveScreenshot
-    const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each by its suffix
+    const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each as what it is
+    VeskTimeline::Kit::ReadOptions readOptions;
     QString error;
 
     /// Whether the action needs widgets, and with them a windowing system.

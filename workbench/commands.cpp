@@ -111,11 +111,15 @@ int runWithoutWindow(const CommandLine& commandLine, const Document& document)
     return FileRefused;
 }
 
-int runWithWindow(const CommandLine& commandLine, const Document& document)
+int runWithWindow(const CommandLine& commandLine, const LoadedFiles& loaded)
 {
     MainWindow window;
     if (!commandLine.files.isEmpty())
-        window.showDocument(document, commandLine.files);
+        window.showDocument(loaded.document, commandLine.files);
+    if (loaded.stretch != 1.0)
+        window.setWindowTitle(QCoreApplication::translate("Commands", "%1 (times stretched by %2)")
+                                  .arg(window.windowTitle())
+                                  .arg(loaded.stretch));
     if (commandLine.action == CommandLine::Action::SaveScreenshot)
         return saveScreenshot(window, commandLine.output);
     window.show();
@@ -127,7 +131,7 @@ int runWithWindow(const CommandLine& commandLine, const Document& document)
 int run(const CommandLine& commandLine, char* programName)
 {
     // Before any window is thought of: a refusal needs no display.
-    const LoadedFiles loaded = loadFiles(commandLine.files, commandLine.from);
+    const LoadedFiles loaded = loadFiles(commandLine.files, commandLine.from, commandLine.readOptions);
     report(loaded.refusals);
     if (!loaded.refusals.isEmpty())
         return FileRefused;
@@ -143,7 +147,7 @@ int run(const CommandLine& commandLine, char* programName)
     if (!hasDisplay())
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(count, arguments);
-    return runWithWindow(commandLine, loaded.document);
+    return runWithWindow(commandLine, loaded);
 }
 
 } // namespace Workbench

@@ -8,19 +8,28 @@ using namespace VeskTimeline::Kit;
 
 namespace {
 
-const DocumentFormat& formatOf(const QString& fileName)
+// The options for one of several files: it has its part in their progress.
+ReadOptions partOf(const ReadOptions& options, qsizetype index, qsizetype count)
 {
-    const DocumentFormat* const format = documentFormatBySuffix(fileName);
-    return format ? *format : documentFormats().front();
+    ReadOptions part = options;
+    if (options.progress)
+        part.progress = [&options, index, count](double share) {
+            return options.progress((static_cast<double>(index) + share) / static_cast<double>(count));
+        };
+    return part;
 }
 
 } // namespace
 
-LoadedFiles loadFiles(const QStringList& fileNames, const DocumentFormat* format)
+LoadedFiles loadFiles(const QStringList& fileNames, const DocumentFormat* format, const ReadOptions& options)
 {
     LoadedFiles loaded;
-    for (const QString& fileName : fileNames) {
-        const Result<Document> result = (format ? *format : formatOf(fileName)).read(fileName, {});
+    for (qsizetype i = 0; i < fileNames.size(); ++i) {
+        const QString& fileName = fileNames.at(i);
+        const DocumentFormat& fileFormat = format ? *format : documentFormatOf(fileName);
+        const Result<Document> result = fileFormat.read(fileName, partOf(options, i, fileNames.size()));
+        if (fileFormat.isStretched)
+            loaded.stretch = options.stretch;
         if (result)
             loaded.document.merge(result.value());
         else

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/read_options.h>
 #include <VeskTimelineKit/result.h>
 
 #include <QList>
@@ -17,10 +18,13 @@ struct LoadedFiles
 {
     VeskTimeline::Kit::Document document;         ///< of all files, when none was refused
     QList<VeskTimeline::Kit::FileError> refusals; ///< one for each refused file
+    double stretch = 1.0; ///< what times are stretched by, if there is a file that this applies to; for the title
 };
 
 /// Reads the files, in order, into one document; tracks of the same path become one.
-/// @param format the format of all of them; null: each file's by its suffix
-LoadedFiles loadFiles(const QStringList& fileNames, const VeskTimeline::Kit::DocumentFormat* format = nullptr);
+/// @param format the format of all of them; null: each file's by its suffix and content
+/// @param options its progress is that of all files together
+LoadedFiles loadFiles(const QStringList& fileNames, const VeskTimeline::Kit::DocumentFormat* format = nullptr,
+                      const VeskTimeline::Kit::ReadOptions& options = {});
 
 } // namespace Workbench

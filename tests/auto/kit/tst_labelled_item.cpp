@@ -188,6 +188,19 @@ private Q_SLOTS:
         QVERIFY(areaOtherThan(painted(item, barRect(300, 299)), Qt::white).isEmpty());
     }
 
+    void anOpenEndedItemShowsByAnArrowThatItGoesOn()
+    {
+        const LabelledItem open("", 0, -1, orange, true);
+        const QImage image = painted(open, barRect(50, 49));
+        QCOMPARE(image.pixel(195, 25), orange.darker(180).rgb());
+        QCOMPARE(image.pixelColor(185, 25), orange);
+        const QImage closed = painted(LabelledItem("", 0, 1000, orange, true), barRect(50, 200));
+        QCOMPARE(closed.pixelColor(195, 25), orange);
+        // No room for it.
+        const QImage narrow = painted(open, barRect(190, 189));
+        QCOMPARE(narrow.pixelColor(196, 25), orange);
+    }
+
     void thePainterComesBackAsItWas()
     {
         QImage image(cell.size(), QImage::Format_RGB32);

@@ -63,6 +63,27 @@ QStringList rows(const QAbstractItemModel& model, const QModelIndex& parent = {}
     return texts;
 }
 
+QString textOf(const Document& document)
+{
+    QString text;
+    for (const DocumentTrack& track : document.tracks()) {
+        text += QString("%1 %2\n").arg(track.path.join('/'), track.color.name());
+        for (const DocumentItem& entry : track.items) {
+            text += QString("  '%1' %2+%3 %4 %5 '%6'")
+                        .arg(entry.label)
+                        .arg(entry.start)
+                        .arg(entry.duration)
+                        .arg(entry.color.isValid() ? entry.color.name() : "none")
+                        .arg(entry.isEditable)
+                        .arg(entry.description);
+            for (auto attribute = entry.attributes.begin(); attribute != entry.attributes.end(); ++attribute)
+                text += QString(" %1=%2").arg(attribute.key(), attribute.value());
+            text += '\n';
+        }
+    }
+    return text;
+}
+
 QString thrownBy(const std::function<void()>& body)
 {
     try {
@@ -302,6 +323,163 @@ private Q_SLOTS:
         QCOMPARE(changes.count(), 1);
         QCOMPARE(thrownBy([&] { model.setItemLabel(9, "x"); }), "Model: item with id 9 not found in cache");
         QCOMPARE(thrownBy([&] { model.itemLabel(9); }), "Model: const item with id 9 not found in cache");
+    }
+
+    void theDocumentComesBackAsItWasGiven()
+    {
+        Document document;
+        document.track({"A", "B"}).items = {{"x", -5, 7, Qt::red, false, "text", {{"key", "value"}}},
+                                            {"y", 3, DocumentItem::openEnded, {}},
+                                            {"z", 3, 0, {}}};
+        document.track({"A", "Empty"});
+        document.track({"C"}).color = Qt::blue;
+        Model model;
+        model.setDocument(document);
+        const Document back = model.document();
+        QCOMPARE(textOf(back), textOf(document));
+        QVERIFY(back.warnings().isEmpty());
+    }
+
+    void anItemLongerThanABarIsShownInPiecesAndComesBackWhole()
+    {
+        constexpr qint64 longest = 2'147'483'647;
+        Document document;
+        document.track({"A"}).items = {{"ice", -1000, 2 * longest + 1, Qt::red, true, "cold", {{"k", "v"}}},
+                                       {"short", 10, 5, {}},
+                                       {"fits", 20, longest, {}}};
+        QCOMPARE(document.itemCount(), 3);
+        QCOMPARE(document.longItemWarnings().size(), 1);
+        Model model;
+        model.setDocument(document);
+        QStringList labels;
+        qint64 end = -1000;
+        for (const int id : model.itemIds()) {
+            labels.append(model.itemLabel(id));
+            if (!model.itemLabel(id).startsWith("ice"))
+                continue;
+            QCOMPARE(model.item(id)->startTime(), end);
+            QVERIFY(model.item(id)->duration() > 0);
+            QCOMPARE(model.itemDescription(id), "cold");
+            end += model.item(id)->duration();
+        }
+        QCOMPARE(labels, (QStringList{"ice (1/3)", "short", "fits", "ice (2/3)", "ice (3/3)"}));
+        QCOMPARE(end, -1000 + 2 * longest + 1);
+        QCOMPARE(textOf(model.document()), textOf(document));
+    }
+
+    void whatAPieceSaysIsChangedForAll()
+    {
+        Document document;
+        document.track({"A"}).items = {{"ice", 0, 3'000'000'000, {}}};
+        Model model;
+        model.setDocument(document);
+        model.setItemLabel(1, "snow");
+        model.setItemDescription(0, "text");
+        model.setItemColor(1, Qt::red);
+        model.setItemLocked(0, true);
+        QCOMPARE(model.itemLabel(0), "snow (1/2)");
+        document.track({"A"}).items = {{"snow", 0, 3'000'000'000, Qt::red, false, "text"}};
+        QCOMPARE(textOf(model.document()), textOf(document));
+
+        model.retimeItem(1, 500, 7'000'000'000);
+        document.track({"A"}).items = {{"snow", 500, 7'000'000'000, Qt::red, false, "text"}};
+        QCOMPARE(textOf(model.document()), textOf(document));
+        QCOMPARE(model.itemIds(), (QVector<int>{2, 3, 4, 5}));
+        model.retimeItem(5, 500, 7);
+        document.track({"A"}).items = {{"snow", 500, 7, Qt::red, false, "text"}};
+        QCOMPARE(textOf(model.document()), textOf(document));
+        QCOMPARE(model.itemLabel(6), "snow");
+    }
+
+    void piecesThatNoLongerMeetAreItemsOfTheirOwn()
+    {
+        Document document;
+        document.track({"A"}).items = {{"ice", 0, 7'000'000'000, {}}};
+        Model model;
+        model.setDocument(document);
+        const qint64 piece = model.item(0)->duration();
+        model.removeItem(1);
+        document.track({"A"}).items = {{"ice", 0, piece, {}}, {"ice", 2 * piece, 7'000'000'000 - 2 * piece, {}}};
+        QCOMPARE(textOf(model.document()), textOf(document));
+        QVERIFY(!model.canMoveItem(*model.item(0), 5));
+        QVERIFY(!model.canDropItem(*model.item(0), 1, 5));
+        QVERIFY(!model.canResizeItem(*model.item(0), 0, 5));
+    }
+
+    void copiedPiecesAreAnItemOfTheirOwn()
+    {
+        Document document;
+        document.track({"A"}).items = {{"ice", 0, 3'000'000'000, {}}};
+        Model model;
+        model.setDocument(document);
+        model.setSnapEnabled(true);
+        model.copyToClipboard({0, 1});
+        model.pasteFromClipboard(1000);
+        document.track({"A"}).items.push_back({"ice", 1000, 3'000'000'000, {}});
+        QCOMPARE(textOf(model.document()), textOf(document));
+    }
+
+    void siblingsOfOneNameAreKeptApart()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.renameTrack(3, "A");
+        const Document document = model.document();
+        QCOMPARE(document.tracks().back().path, QStringList{"A (2)"});
+        QCOMPARE(document.itemCount(), 4);
+        QCOMPARE(document.warnings(), QStringList{"There are several tracks “A” side by side: one is now “A (2)”"});
+    }
+
+    void anotherDocumentCanBeAdded()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        Document other;
+        other.track({"A", "B"}).items = {item("more", 1, 1)};
+        other.track({"D"}).items = {item("d", 1, 1)};
+        model.addDocument(other);
+        Document both = sampleDocument();
+        both.merge(other);
+        Model expected;
+        expected.setDocument(both);
+        QCOMPARE(textOf(model.document()), textOf(expected.document()));
+    }
+
+    void overlapsAreRefusedByThePolicyOnly()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        const Item& early = *model.item(0);
+        const Item& inner = *model.item(2);
+        QVERIFY(model.canMoveItem(early, 1995) && model.canResizeItem(early, 1000, 1001));
+        QVERIFY(model.canDropItem(inner, 1, 1000));
+        model.setOverlapPolicy(Model::RefuseOverlaps);
+        QCOMPARE(model.overlapPolicy(), Model::RefuseOverlaps);
+        QVERIFY(!model.canMoveItem(early, 1991));
+        QVERIFY(model.canMoveItem(early, 1990));
+        QVERIFY(model.canMoveItem(early, 1005));
+        QVERIFY(!model.canResizeItem(early, 1000, 1001));
+        QVERIFY(model.canResizeItem(early, 1000, 1000));
+        QVERIFY(!model.canDropItem(inner, 1, 1009));
+        QVERIFY(model.canDropItem(inner, 1, 1010));
+
+        model.copyToClipboard({0});
+        QCOMPARE(thrownBy([&] { model.pasteFromClipboard(995); }),
+                 "pasteFromClipboard: items would overlap on track 1");
+        QCOMPARE(model.itemIds().size(), 4);
+        QVERIFY(!model.isClipboardEmpty());
+        model.pasteFromClipboard(990);
+        QCOMPARE(model.itemIds().size(), 5);
+    }
+
+    void aDurationBelowTheMinimumIsRefused()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.setMinimumDuration(5);
+        QVERIFY(!model.canResizeItem(*model.item(0), 1000, 4));
+        QVERIFY(model.canResizeItem(*model.item(0), 1000, 5));
+        QVERIFY(!model.canResizeItem(*model.item(0), 1000, -2'000'000'000));
     }
 
     void theButtonsOfAViewInsertAndRemove()

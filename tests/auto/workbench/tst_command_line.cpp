@@ -214,6 +214,55 @@ private Q_SLOTS:
         QCOMPARE(run({"--info", file}).output, info);
     }
 
+    void theFormatIsToldByTheContent()
+    {
+        const QString trace = write("a.json", "[{\"ph\":\"i\",\"ts\":5,\"name\":\"x\",\"pid\":1,\"tid\":1}]");
+        const QString native = m_dir->filePath("b.json");
+        QCOMPARE(run({"--convert", native, "--stretch", "1", trace}).status, 0);
+        QVERIFY(content(native).contains("vesk-timeline"));
+        QCOMPARE(run({"--info", native}).output, "{\"end\":0,\"items\":1,\"start\":0,\"tracks\":2,\"warnings\":[]}\n");
+    }
+
+    void nothingIsLostByWayOfTheNativeFormat()
+    {
+        const QString native = m_dir->filePath("a.vtl.json");
+        const QString back = m_dir->filePath("back.csv");
+        QCOMPARE(run({"--convert", native, sample}).status, 0);
+        QCOMPARE(run({"--convert", back, native}).status, 0);
+        QCOMPARE(content(back), csvText(VeskTimeline::Kit::readCsv(sample).value()));
+    }
+
+    void tracesAreStretchedAsToldAndTheWarningSaysSo()
+    {
+        const QString trace = write("a.json", "[{\"ph\":\"X\",\"ts\":2000,\"dur\":1000,\"pid\":1,\"tid\":1}]");
+        QCOMPARE(
+            run({"--info", trace}).output,
+            QString("{\"end\":3000,\"items\":1,\"start\":2000,\"tracks\":2,\"warnings\":[\"%1: times are stretched "
+                    "by 1000: one microsecond of the trace is 1 ms of the axis\"]}\n")
+                .arg(trace));
+        QCOMPARE(run({"--info", "--stretch", "10.5", trace}).output,
+                 QString("{\"end\":31,\"items\":1,\"start\":21,\"tracks\":2,\"warnings\":[\"%1: times are stretched by "
+                         "10.5: one microsecond of the trace is 0.0105 ms of the axis\",\"%1: times cut to whole "
+                         "milliseconds: 1\"]}\n")
+                     .arg(trace));
+    }
+
+    void recurringEventsAreExpandedWithinTheSpan()
+    {
+        const QString calendar =
+            write("a.ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\nBEGIN:VEVENT\r\nUID:1\r\n"
+                           "DTSTAMP:20200101T000000Z\r\nDTSTART:20200101T000000Z\r\nDTEND:20200101T010000Z\r\n"
+                           "RRULE:FREQ=DAILY;COUNT=100\r\nSUMMARY:x\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+        const auto items = [](const Run& result) {
+            return QJsonDocument::fromJson(result.output.toUtf8())["items"].toInt();
+        };
+        QCOMPARE(items(run({"--info", calendar})), 100);
+        QCOMPARE(items(run({"--info", "--expand", "2020-01-03..2020-01-10", calendar})), 7);
+        QCOMPARE(items(run({"--info", "--expand", "2020-01-03T01:00+01:00..2020-01-10T00:00Z", calendar})), 7);
+        QCOMPARE(items(run({"--info", "--expand", "1577836800000..1577836800001", calendar})), 1);
+        QCOMPARE(items(run({"--info", "--expand=-5..5", calendar})), 0);
+    }
+
     void wrongUsageIsToldApart_data()
     {
         QTest::addColumn<QStringList>("arguments");
@@ -233,6 +282,20 @@ private Q_SLOTS:
             "no format to write has the suffix of \"x.doc\"");
         row("picture of another kind", {"--screenshot", "x.jpg"},
             "the name of a picture ends in .png, not so \"x.jpg\"");
+        row("stretch is no number", {"--info", "--stretch", "x", sample}, "times cannot be stretched by \"x\"");
+        row("stretch of nothing", {"--info", "--stretch", "0", sample}, "times cannot be stretched by \"0\"");
+        row("stretch backwards", {"--info", "--stretch=-1", sample}, "times cannot be stretched by \"-1\"");
+        row("stretch without end", {"--info", "--stretch", "inf", sample}, "times cannot be stretched by \"inf\"");
+        row("two stretches", {"--info", "--stretch", "1", "--stretch", "2", sample},
+            "--stretch is there more than once");
+        row("no span", {"--info", "--expand", "2012-01-01", sample},
+            "\"2012-01-01\" is not START..END with an end after the start");
+        row("span without time", {"--info", "--expand", "2012-01-01..", sample},
+            "\"2012-01-01..\" is not START..END with an end after the start");
+        row("empty span", {"--info", "--expand", "5..5", sample},
+            "\"5..5\" is not START..END with an end after the start");
+        row("three times", {"--info", "--expand", "1..2..3", sample},
+            "\"1..2..3\" is not START..END with an end after the start");
         row("unknown format", {"--info", "--from", "nonsense", sample}, "there is no format \"nonsense\"");
     }
     void wrongUsageIsToldApart()
@@ -250,8 +313,8 @@ private Q_SLOTS:
         const Run help = run({"--help"});
         QCOMPARE(help.status, 0);
         QCOMPARE(help.errors, QString());
-        for (const char* const option :
-             {"--info", "--convert <OUT>", "--screenshot <OUT.png>", "--from <FORMAT>", "csv"})
+        for (const char* const option : {"--info", "--convert <OUT>", "--screenshot <OUT.png>", "--from <FORMAT>",
+                                         "--stretch <N>", "--expand <START..END>", "csv, vtl, ics, trace, ninja"})
             QVERIFY2(help.output.contains(option), option);
         const Run version = run({"--version"});
         QCOMPARE(version.status, 0);

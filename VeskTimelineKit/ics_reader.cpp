@@ -1,0 +1,326 @@
+#include "ics_calendar_p.h"
+#include "ics_expander_p.h"
+#include "ics_line_reader_p.h"
+#include "kit_tr_p.h"
+#include "time_limits_p.h"
+
+#include <VeskTimelineKit/ics_reader.h>
+#include <VeskTimelineKit/time_text.h>
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+constexpr double shareOfReading = 0.6;
+
+/// Makes a document of calendars.
+class IcsDocumentBuilder
+{
+public:
+    IcsDocumentBuilder(const QString& fileName, const std::vector<std::unique_ptr<IcsCalendar>>& calendars,
+                       const ReadOptions& options, WarningList& warnings, ReadProgress& progress)
+        : m_fileName(fileName), m_calendars(calendars), m_options(options), m_warnings(warnings), m_progress(progress)
+    {
+    }
+
+    Document build();
+
+private:
+    /// Of a series: the calendar's name, as calendars of one name are one, and the UID.
+    using SeriesKey = std::pair<QString, QByteArray>;
+
+    void nameCalendars();
+    void noteZones();
+    void noteDates();
+    void noteDates(const IcsEvent& event, const IcsZones& zones);
+    void noteTime(qint64 start, qint64 end);
+    TimeSpan span() const;
+    void addTracks(const IcsCalendar& calendar);
+    void addEvent(IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander);
+    void addSingle(IcsEvent& event, const IcsCalendar& calendar);
+    void addSeries(const IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander);
+    void noteCuts(const IcsEvent& event, const IcsExpander::Cuts& cuts);
+    DocumentTrack& trackOf(const IcsEvent& event, const IcsCalendar& calendar);
+
+    const QString& m_fileName;
+    const std::vector<std::unique_ptr<IcsCalendar>>& m_calendars;
+    const ReadOptions& m_options;
+    WarningList& m_warnings;
+    ReadProgress& m_progress;
+    Document m_document;
+    QHash<SeriesKey, std::vector<const IcsEvent*>> m_replacements;
+    std::optional<TimeSpan> m_dates;
+};
+
+Document IcsDocumentBuilder::build()
+{
+    nameCalendars();
+    noteZones();
+    noteDates();
+    IcsExpander expander(span());
+    std::size_t done = 0;
+    for (const auto& calendar : m_calendars) {
+        addTracks(*calendar);
+        for (IcsEvent& event : calendar->events) {
+            addEvent(event, *calendar, expander);
+            m_progress.reportSometimes(shareOfReading);
+        }
+        m_progress.report(shareOfReading + (1.0 - shareOfReading) * static_cast<double>(++done) /
+                                               static_cast<double>(m_calendars.size()));
+    }
+    return std::move(m_document);
+}
+
+void IcsDocumentBuilder::nameCalendars()
+{
+    QSet<QString> names;
+    for (const auto& calendar : m_calendars) {
+        if (!calendar->tracks.empty())
+            calendar->name = calendar->tracks.front().path.first();
+        names.insert(calendar->name);
+    }
+    const QString base = QFileInfo(m_fileName).completeBaseName();
+    int number = 0;
+    for (const auto& calendar : m_calendars) {
+        if (!calendar->name.isEmpty() || !calendar->tracks.empty())
+            continue;
+        do {
+            ++number;
+            calendar->name = number == 1 ? base : QStringLiteral("%1 (%2)").arg(base).arg(number);
+        } while (names.contains(calendar->name));
+    }
+}
+
+// Says which times are told without a clock that is known.
+void IcsDocumentBuilder::noteZones()
+{
+    int floating = 0;
+    int firstFloating = 0;
+    for (const auto& calendar : m_calendars) {
+        QSet<QByteArray> unknown;
+        for (const IcsEvent& event : calendar->events) {
+            const IcsTime& start = event.start;
+            if (!start.isDate && !start.isUtc && start.zone.isEmpty() && ++floating == 1)
+                firstFloating = event.line;
+            if (start.zone.isEmpty() || unknown.contains(start.zone) || calendar->zones.knows(start.zone))
+                continue;
+            unknown.insert(start.zone);
+            m_warnings.add(
+                event.line,
+                Tr::tr("the time zone %1 is not known; its times are taken as UTC").arg(quotedIcs(start.zone)));
+        }
+    }
+    if (floating > 0)
+        m_warnings.add(firstFloating, Tr::tr("events without a time zone are taken as UTC: %1").arg(floating));
+}
+
+void IcsDocumentBuilder::noteDates()
+{
+    for (const auto& calendar : m_calendars) {
+        for (const IcsEvent& event : calendar->events) {
+            noteDates(event, calendar->zones);
+            if (event.recurrenceId)
+                m_replacements[{calendar->name, event.uid}].push_back(&event);
+            m_progress.reportSometimes(shareOfReading);
+        }
+    }
+}
+
+void IcsDocumentBuilder::noteDates(const IcsEvent& event, const IcsZones& zones)
+{
+    const qint64 start = zones.toUtc(event.start);
+    noteTime(start, start + std::max<qint64>(0, icsDurationAt(event, event.start, zones)));
+    for (const IcsRecurrenceDate& date : event.dates) {
+        const qint64 dateStart = zones.toUtc(date.start);
+        noteTime(dateStart, date.end ? zones.toUtc(*date.end) : dateStart);
+    }
+}
+
+void IcsDocumentBuilder::noteTime(qint64 start, qint64 end)
+{
+    if (!isWithinTimeLimits(start) || !isWithinTimeLimits(end))
+        return;
+    if (!m_dates)
+        m_dates = TimeSpan{start, end};
+    m_dates->start = std::min(m_dates->start, start);
+    m_dates->end = std::max(m_dates->end, end);
+}
+
+TimeSpan IcsDocumentBuilder::span() const
+{
+    if (m_options.expand)
+        return *m_options.expand;
+    if (!m_dates)
+        return {};
+    constexpr int years = 2;
+    const qint64 end = QDateTime::fromMSecsSinceEpoch(m_dates->end, Qt::UTC).addYears(years).toMSecsSinceEpoch();
+    // What starts exactly two years later is in.
+    return {m_dates->start, std::min(end, latestTime) + 1};
+}
+
+void IcsDocumentBuilder::addTracks(const IcsCalendar& calendar)
+{
+    if (!calendar.hasTrack && calendar.events.empty())
+        return;
+    DocumentTrack& root = m_document.track({calendar.name});
+    if (calendar.color.isValid())
+        root.color = calendar.color;
+    for (const IcsTrack& track : calendar.tracks) {
+        DocumentTrack& added = m_document.track(track.path);
+        if (track.color.isValid())
+            added.color = track.color;
+    }
+}
+
+DocumentTrack& IcsDocumentBuilder::trackOf(const IcsEvent& event, const IcsCalendar& calendar)
+{
+    if (!event.path.isEmpty())
+        return m_document.track(event.path);
+    if (event.categories.isEmpty())
+        return m_document.track({calendar.name});
+    return m_document.track({calendar.name, event.categories.first()});
+}
+
+void IcsDocumentBuilder::addEvent(IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander)
+{
+    if (icsDurationAt(event, event.start, calendar.zones) < 0) {
+        m_warnings.add(event.line, Tr::tr("the event ends before it starts and is taken without a length"));
+        event.end = event.start;
+        event.duration.reset();
+    }
+    if (event.isRecurring() && !event.recurrenceId)
+        addSeries(event, calendar, expander);
+    else
+        addSingle(event, calendar);
+}
+
+void IcsDocumentBuilder::addSingle(IcsEvent& event, const IcsCalendar& calendar)
+{
+    DocumentItem item = std::move(event.item);
+    item.start = calendar.zones.toUtc(event.start);
+    item.duration = icsDurationAt(event, event.start, calendar.zones);
+    // Another program that moves the event leaves the exact time as it was: it must not win then.
+    constexpr qint64 second = 1'000;
+    const bool isExact = event.exactStart && *event.exactStart >= item.start && *event.exactStart < item.start + second;
+    if (event.exactDuration && qAbs(*event.exactDuration - item.duration) < second && (isExact || !event.exactStart))
+        item.duration = std::max<qint64>(*event.exactDuration, 0);
+    if (isExact)
+        item.start = *event.exactStart;
+    if (!isWithinTimeLimits(item.start) || !isWithinTimeLimits(item.end())) {
+        m_warnings.add(event.line, Tr::tr("the event is outside the years 1 to 9999 and is left out"));
+        return;
+    }
+    const auto& expand = m_options.expand;
+    if (event.recurrenceId && expand && (item.start < expand->start || item.start >= expand->end)) {
+        m_warnings.add(event.line, Tr::tr("the occurrence is outside the span that is read and is left out"));
+        return;
+    }
+    if (event.isOpenEnded)
+        item.duration = DocumentItem::openEnded;
+    trackOf(event, calendar).items.push_back(std::move(item));
+}
+
+void IcsDocumentBuilder::addSeries(const IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander)
+{
+    IcsExceptions exceptions;
+    for (const IcsTime& exception : event.exceptions)
+        exceptions.add(exception, event.start, calendar.zones);
+    if (!event.uid.isEmpty()) {
+        for (const IcsEvent* replacement : m_replacements.value({calendar.name, event.uid}))
+            exceptions.add(*replacement->recurrenceId, event.start, calendar.zones);
+    }
+    const std::vector<IcsOccurrence> occurrences = expander.expand(event, calendar.zones, exceptions, m_progress);
+    noteCuts(event, expander.cuts());
+    DocumentTrack& track = trackOf(event, calendar);
+    for (const IcsOccurrence& occurrence : occurrences) {
+        // What is text in it is shared by all.
+        DocumentItem item = event.item;
+        item.start = occurrence.start;
+        item.duration = occurrence.duration;
+        track.items.push_back(std::move(item));
+    }
+}
+
+void IcsDocumentBuilder::noteCuts(const IcsEvent& event, const IcsExpander::Cuts& cuts)
+{
+    const TimeSpan limits = span();
+    if (cuts.isBeforeSpan)
+        m_warnings.add(event.line, Tr::tr("occurrences before %1 are left out").arg(formatTime(limits.start)));
+    if (cuts.isAfterSpan)
+        m_warnings.add(event.line, Tr::tr("occurrences after %1 are left out").arg(formatTime(limits.end - 1)));
+    if (cuts.isByNumber)
+        m_warnings.add(event.line,
+                       Tr::tr("more than %1 occurrences; the rest are left out").arg(IcsExpander::mostOccurrences));
+    if (cuts.isByEffort)
+        m_warnings.add(event.line, Tr::tr("the recurrence cannot be followed to its end; the rest are left out"));
+}
+
+void noteRepairs(const IcsLineReader& reader, WarningList& warnings)
+{
+    if (const auto& repair = reader.droppedControls(); repair.count > 0)
+        warnings.add(repair.firstLine,
+                     Tr::tr("lines with control characters, which are dropped: %1").arg(repair.count));
+    if (const auto& repair = reader.decodedAsLatin1(); repair.count > 0)
+        warnings.add(repair.firstLine, Tr::tr("lines that are not UTF-8, taken as ISO 8859-1: %1").arg(repair.count));
+}
+
+Result<Document> readCalendars(QIODevice& device, const QString& fileName, const ReadOptions& options)
+{
+    ReadProgress progress(options);
+    progress.report(0.0);
+    WarningList warnings(fileName);
+    IcsLineReader reader(device);
+    IcsCalendarParser parser(warnings);
+    while (reader.next()) {
+        if (const QString reason = parser.takeLine(reader.number(), reader.text()); !reason.isEmpty())
+            return FileError{fileName, reader.number(), reason};
+        progress.report(shareOfReading * reader.share());
+    }
+    if (reader.isTooLong())
+        return FileError{fileName, reader.number(), Tr::tr("the line is too long")};
+    parser.finish();
+    noteRepairs(reader, warnings);
+    if (parser.calendars().empty())
+        return FileError{fileName, 0, Tr::tr("no calendar in it: there is no BEGIN:VCALENDAR")};
+
+    Document document = IcsDocumentBuilder(fileName, parser.calendars(), options, warnings, progress).build();
+    warnings.addTo(document);
+    return document;
+}
+
+} // namespace
+
+Result<Document> readIcs(QIODevice& device, const QString& fileName, const ReadOptions& options)
+{
+    // Otherwise an error in the file could end the program.
+    icalerror_set_errors_are_fatal(0);
+    try {
+        return readCalendars(device, fileName, options);
+    } catch (const ReadCancelled&) {
+        return FileError{fileName, 0, cancelledReason()};
+    }
+}
+
+Result<Document> readIcs(const QString& fileName, const ReadOptions& options)
+{
+    if (fileName.isEmpty())
+        return FileError{fileName, 0, Tr::tr("no file name")};
+    if (QFileInfo(fileName).isDir())
+        return FileError{fileName, 0, Tr::tr("is a directory")};
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return FileError{fileName, 0, file.errorString()};
+    Result<Document> result = readIcs(file, fileName, options);
+    // A read that fails looks like the end of the text.
+    if (file.error() != QFileDevice::NoError)
+        return FileError{fileName, 0, file.errorString()};
+    return result;
+}
+
+} // namespace VeskTimeline::Kit

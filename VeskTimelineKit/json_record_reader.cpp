@@ -1,0 +1,272 @@
+#include "json_record_reader_p.h"
+#include "kit_tr_p.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+constexpr qsizetype chunkSize = 128 * 1024;
+constexpr qsizetype largestRecord = 12 * 1024 * 1024;
+constexpr std::size_t deepestNesting = 1000;
+constexpr std::size_t mostSkippedNames = 20;
+constexpr int endOfText = -1;
+
+bool isBlank(int c)
+{
+    return c == ' ' || c == '\n' || c == '\r' || c == '\t';
+}
+
+bool endsScalar(int c)
+{
+    return c == endOfText || isBlank(c) || std::strchr(",:[]{}\"", c) != nullptr;
+}
+
+} // namespace
+
+JsonRecordReader::JsonRecordReader(QIODevice& device, ReadProgress& progress, IsWanted isWanted)
+    : m_device(device), m_progress(progress), m_isWanted(std::move(isWanted))
+{
+}
+
+bool JsonRecordReader::next()
+{
+    if (m_place == Place::Start)
+        start();
+    while (m_place != Place::End) {
+        if (m_place == Place::Array ? nextElement() : nextMember())
+            return true;
+    }
+    return false;
+}
+
+void JsonRecordReader::start()
+{
+    if (GzipReader::isGzip(m_device.peek(2)))
+        m_gzip.emplace(m_device);
+    if (peek() == 0xEF && m_chunk.startsWith("\xEF\xBB\xBF"))
+        m_position = 3;
+    const int first = peekAfterBlanks();
+    if (first == endOfText)
+        refuse(Tr::tr("the file is empty"));
+    if (first == 0 || first == 0xFE || first == 0xFF)
+        refuse(Tr::tr("the text is not UTF-8"));
+    if (first != '{' && first != '[')
+        refuse(Tr::tr("the text is not JSON: it starts with neither { nor ["));
+    take();
+    m_hasOuterObject = first == '{';
+    m_isInArray = !m_hasOuterObject;
+    m_place = m_hasOuterObject ? Place::Outermost : Place::Array;
+}
+
+bool JsonRecordReader::nextElement()
+{
+    const Ending openEnding = m_hasOuterObject ? Ending::Truncated : Ending::OpenArray;
+    if (!m_isFirst && peekAfterBlanks() == ',')
+        take();
+    else if (!m_isFirst && peekAfterBlanks() != ']' && peekAfterBlanks() != endOfText)
+        refuse(Tr::tr("a comma is missing after an element"));
+    m_isFirst = false;
+
+    const int c = peekAfterBlanks();
+    if (c == endOfText) {
+        end(openEnding);
+        return false;
+    }
+    if (c != ']')
+        return readRecord();
+    take();
+    m_isInArray = false;
+    m_place = Place::Outermost;
+    if (!m_hasOuterObject)
+        expectNothingMore();
+    return false;
+}
+
+bool JsonRecordReader::nextMember()
+{
+    const int c = peekAfterBlanks();
+    if (c == '}') {
+        take();
+        expectNothingMore();
+        return false;
+    }
+    if (!m_isFirst && c != endOfText && c != ',')
+        refuse(Tr::tr("a comma is missing after a member"));
+    if (!m_isFirst && c == ',')
+        take();
+    m_isFirst = false;
+
+    QByteArray name;
+    if (!readMemberName(name)) {
+        end(Ending::Truncated);
+        return false;
+    }
+    if (!m_isWanted(name)) {
+        if (m_skipped.size() < mostSkippedNames &&
+            std::find(m_skipped.begin(), m_skipped.end(), name) == m_skipped.end())
+            m_skipped.push_back(name);
+        if (!readValue(nullptr))
+            end(Ending::Truncated);
+        return false;
+    }
+    m_member = name;
+    if (peekAfterBlanks() != '[')
+        return readRecord();
+    take();
+    m_isInArray = true;
+    m_isFirst = true;
+    m_place = Place::Array;
+    return false;
+}
+
+bool JsonRecordReader::readMemberName(QByteArray& name)
+{
+    const int c = peekAfterBlanks();
+    if (c == endOfText)
+        return false;
+    if (c != '"')
+        refuse(Tr::tr("the name of a member is missing"));
+    QByteArray text;
+    if (!readString(&text) || peekAfterBlanks() == endOfText)
+        return false;
+    if (peekAfterBlanks() != ':')
+        refuse(Tr::tr("a colon is missing after the name of a member"));
+    take();
+    name = text.mid(1, text.size() - 2);
+    return true;
+}
+
+bool JsonRecordReader::readRecord()
+{
+    peekAfterBlanks();
+    m_recordLine = m_line;
+    m_text.resize(0);
+    if (readValue(&m_text))
+        return true;
+    end(Ending::Truncated);
+    return false;
+}
+
+// False when the text ends within the value.
+bool JsonRecordReader::readValue(QByteArray* target)
+{
+    QByteArray closers;
+    do {
+        const int c = peekAfterBlanks();
+        if (c == endOfText)
+            return false;
+        if (c == '"') {
+            if (!readString(target))
+                return false;
+            continue;
+        }
+        if (!endsScalar(c)) {
+            readScalar(target);
+            continue;
+        }
+        if (c == '{' || c == '[') {
+            if (static_cast<std::size_t>(closers.size()) >= deepestNesting)
+                refuse(Tr::tr("brackets are nested more than %1 levels deep").arg(deepestNesting));
+            closers.append(c == '{' ? '}' : ']');
+        } else if (closers.isEmpty()) {
+            refuse(Tr::tr("a value is missing"));
+        } else if (c == '}' || c == ']') {
+            if (c != closers.back())
+                refuse(Tr::tr("brackets do not match"));
+            closers.chop(1);
+        }
+        append(target, static_cast<char>(c));
+        take();
+    } while (!closers.isEmpty());
+    return true;
+}
+
+bool JsonRecordReader::readString(QByteArray* target)
+{
+    bool isEscaped = true; // the quote that opens the string does not close it
+    for (int c = peek(); c != endOfText; c = peek()) {
+        append(target, static_cast<char>(c));
+        take();
+        if (c == '"' && !isEscaped)
+            return true;
+        isEscaped = c == '\\' && !isEscaped;
+    }
+    return false;
+}
+
+void JsonRecordReader::readScalar(QByteArray* target)
+{
+    for (int c = peek(); !endsScalar(c); c = peek()) {
+        append(target, static_cast<char>(c));
+        take();
+    }
+    // Blanks are passed over, but two scalars must not become one.
+    append(target, ' ');
+}
+
+void JsonRecordReader::append(QByteArray* target, char c)
+{
+    if (!target)
+        return;
+    if (target->size() >= largestRecord)
+        refuse(Tr::tr("a record is longer than %1 bytes").arg(largestRecord));
+    target->append(c);
+}
+
+void JsonRecordReader::end(Ending ending)
+{
+    m_place = Place::End;
+    m_ending = m_gzip && m_gzip->isCutOff() ? Ending::Truncated : ending;
+}
+
+void JsonRecordReader::expectNothingMore()
+{
+    if (peekAfterBlanks() != endOfText)
+        refuse(Tr::tr("there is more text after the end of the JSON text"));
+    end(Ending::Complete);
+}
+
+void JsonRecordReader::refuse(const QString& reason)
+{
+    m_recordLine = m_line;
+    throw reason;
+}
+
+int JsonRecordReader::peek()
+{
+    if (m_position == m_chunk.size() && !refill())
+        return endOfText;
+    return static_cast<unsigned char>(m_chunk.at(m_position));
+}
+
+int JsonRecordReader::peekAfterBlanks()
+{
+    while (isBlank(peek()))
+        take();
+    return peek();
+}
+
+bool JsonRecordReader::refill()
+{
+    const qint64 size = m_device.isSequential() ? 0 : m_device.size();
+    m_progress.report(size > 0 ? static_cast<double>(m_device.pos()) / static_cast<double>(size) : 0.0);
+    m_chunk.resize(chunkSize);
+    m_position = 0;
+    m_chunk.resize(std::max<qint64>(0, readChunk()));
+    return !m_chunk.isEmpty();
+}
+
+qint64 JsonRecordReader::readChunk()
+{
+    try {
+        return m_gzip ? m_gzip->read(m_chunk.data(), chunkSize) : m_device.read(m_chunk.data(), chunkSize);
+    } catch (const QString&) {
+        m_recordLine = 0; // lines of what is unpacked say nothing about the packed data
+        throw;
+    }
+}
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <VeskTimelineKit/vesktimelinekit_export.h>
+
+#include <QObject>
+
+class QPoint;
+
+namespace VeskTimeline {
+class Item;
+class TimelineView;
+} // namespace VeskTimeline
+
+namespace VeskTimeline::Kit {
+
+/// Shows the tool tips of the LabelledItems of a view, whatever model of ours it has.
+class VESKTIMELINEKIT_EXPORT LabelledItemToolTips : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param view becomes the parent
+    explicit LabelledItemToolTips(TimelineView* view);
+
+    /// The tool tip for a point of the view's viewport; empty where there is no such item.
+    QString textAt(const QPoint& pos) const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    bool isHit(const Item& item, const QPoint& pos) const;
+
+    TimelineView* m_view;
+};
+
+} // namespace VeskTimeline::Kit

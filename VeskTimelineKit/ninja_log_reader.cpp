@@ -1,0 +1,261 @@
+#include "kit_tr_p.h"
+#include "lane_packer_p.h"
+#include "quoted_text_p.h"
+#include "read_file_p.h"
+#include "read_progress_p.h"
+#include "time_limits_p.h"
+
+#include <VeskTimelineKit/ninja_log_reader.h>
+#include <VeskTimelineKit/warnings.h>
+
+#include <QIODevice>
+
+#include <algorithm>
+#include <optional>
+#include <tuple>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+constexpr char firstWords[] = "# ninja log v";
+constexpr int oldestVersion = 4;
+constexpr int newestVersion = 7;
+constexpr int firstVersionWithHashes = 5;
+constexpr qint64 longestLine = 4 * 1024 * 1024;
+constexpr int mostLanes = 10'000;
+constexpr std::size_t mostTracks = 100'000;
+
+/// A step of a build; its times are in milliseconds since the build's start.
+struct BuildStep
+{
+    qint64 start = 0;
+    qint64 end = 0;
+    QByteArray command;
+    QString modified;
+    QStringList outputs;
+};
+
+/// Makes a document of the lines of a log.
+class NinjaDocumentBuilder
+{
+public:
+    explicit NinjaDocumentBuilder(const QString& fileName) : m_remarks(fileName), m_warnings(fileName) {}
+
+    /// @throws QString the reason why this is no log that can be read
+    void readFirstLine(const QByteArray& line);
+    void readLine(const QByteArray& line, int number);
+    void warn(int line, const QString& text) { m_warnings.add(line, text); }
+    /// @throws ReadCancelled
+    Document takeDocument(ReadProgress& progress);
+
+private:
+    using Build = std::vector<BuildStep>;
+
+    BuildStep stepOf(const QByteArray& line) const;
+    void addBuild(Build build, const QStringList& parent, ReadProgress& progress);
+    static Build joined(Build build, ReadProgress& progress);
+    DocumentItem itemOf(BuildStep step) const;
+
+    int m_version = 0;
+    std::vector<Build> m_builds;
+    qint64 m_lastEnd = 0;
+    qint64 m_offset = 0;
+    int m_tooMany = 0;
+    int m_outside = 0;
+    Document m_document;
+    WarningList m_remarks; // of the file as a whole
+    WarningList m_warnings;
+};
+
+void NinjaDocumentBuilder::readFirstLine(const QByteArray& line)
+{
+    if (!line.startsWith(firstWords))
+        throw Tr::tr("not a build log: it does not start with \"%1\"").arg(QLatin1String(firstWords));
+    bool isNumber = false;
+    m_version = line.mid(static_cast<qsizetype>(sizeof firstWords) - 1).trimmed().toInt(&isNumber);
+    if (!isNumber)
+        throw Tr::tr("the version is no number");
+    if (m_version < oldestVersion)
+        throw Tr::tr("version %1 of the log is too old; the oldest that can be read is %2")
+            .arg(m_version)
+            .arg(oldestVersion);
+    if (m_version > newestVersion)
+        m_remarks.add(
+            1,
+            Tr::tr("version %1 of the log is not known and is read like version %2").arg(m_version).arg(newestVersion));
+}
+
+BuildStep NinjaDocumentBuilder::stepOf(const QByteArray& line) const
+{
+    const QList<QByteArray> fields = line.split('\t');
+    if (fields.size() != 5)
+        throw Tr::tr("it has %1 fields instead of 5").arg(fields.size());
+    BuildStep step;
+    bool isStart = false;
+    bool isEnd = false;
+    step.start = fields.at(0).toInt(&isStart);
+    step.end = fields.at(1).toInt(&isEnd);
+    if (!isStart || !isEnd || step.start < 0)
+        throw Tr::tr("its times are no numbers of milliseconds, or out of range");
+    if (step.end < step.start)
+        throw Tr::tr("its end is before its start");
+    if (fields.at(3).isEmpty())
+        throw Tr::tr("it names no output");
+    step.modified = QString::fromUtf8(fields.at(2));
+    step.outputs.append(QString::fromUtf8(fields.at(3)));
+    step.command = fields.at(4);
+    return step;
+}
+
+void NinjaDocumentBuilder::readLine(const QByteArray& line, int number)
+{
+    if (line.isEmpty() || line.startsWith('#'))
+        return;
+    try {
+        BuildStep step = stepOf(line);
+        if (step.outputs.first().contains(QChar::ReplacementCharacter))
+            m_warnings.add(number, Tr::tr("bytes that are not UTF-8 are replaced"));
+        if (m_builds.empty() || step.end < m_lastEnd)
+            m_builds.emplace_back();
+        m_lastEnd = step.end;
+        m_builds.back().push_back(std::move(step));
+    } catch (const QString& reason) {
+        m_warnings.add(number, Tr::tr("the line is left out: %1").arg(reason));
+    }
+}
+
+// Sorted by time, with the outputs of one step together.
+NinjaDocumentBuilder::Build NinjaDocumentBuilder::joined(Build build, ReadProgress& progress)
+{
+    std::stable_sort(build.begin(), build.end(), [&progress](const BuildStep& a, const BuildStep& b) {
+        progress.reportSometimes(0.5);
+        return std::tie(a.start, b.end, a.command) < std::tie(b.start, a.end, b.command);
+    });
+    Build steps;
+    for (BuildStep& step : build) {
+        progress.reportSometimes(0.5);
+        const bool isSame = !steps.empty() && steps.back().start == step.start && steps.back().end == step.end &&
+                            steps.back().command == step.command;
+        if (isSame)
+            steps.back().outputs.append(step.outputs);
+        else
+            steps.push_back(std::move(step));
+    }
+    return steps;
+}
+
+DocumentItem NinjaDocumentBuilder::itemOf(BuildStep step) const
+{
+    DocumentItem item;
+    item.label = step.outputs.first();
+    item.start = m_offset + step.start;
+    item.duration = step.end - step.start;
+    item.description = step.outputs.join(u'\n');
+    item.attributes.insert(m_version < firstVersionWithHashes ? QStringLiteral("command")
+                                                              : QStringLiteral("command hash"),
+                           QString::fromUtf8(step.command));
+    item.attributes.insert(QStringLiteral("modified"), step.modified);
+    return item;
+}
+
+void NinjaDocumentBuilder::addBuild(Build build, const QStringList& parent, ReadProgress& progress)
+{
+    LanePacker packer;
+    std::vector<std::vector<DocumentItem>> lanes;
+    qint64 buildEnd = 0;
+    for (BuildStep& step : joined(std::move(build), progress)) {
+        progress.reportSometimes(0.5);
+        buildEnd = std::max(buildEnd, step.end);
+        const auto lane = static_cast<std::size_t>(packer.place(step.start, step.end));
+        if (lane >= mostLanes || m_document.tracks().size() + lane >= mostTracks) {
+            ++m_tooMany;
+        } else if (!isWithinTimeLimits(m_offset + step.end)) {
+            ++m_outside;
+        } else {
+            lanes.resize(std::max(lanes.size(), lane + 1));
+            lanes[lane].push_back(itemOf(std::move(step)));
+        }
+    }
+    for (std::size_t lane = 0; lane < lanes.size(); ++lane)
+        m_document.track(parent + QStringList{Tr::tr("lane %1").arg(lane + 1)}).items = std::move(lanes[lane]);
+    m_offset += buildEnd;
+}
+
+Document NinjaDocumentBuilder::takeDocument(ReadProgress& progress)
+{
+    if (m_builds.size() > 1)
+        m_remarks.add(0, Tr::tr("the log is of %1 builds, which are shown one after the other").arg(m_builds.size()));
+    for (std::size_t i = 0; i < m_builds.size(); ++i) {
+        const QStringList parent = m_builds.size() > 1 ? QStringList{Tr::tr("build %1").arg(i + 1)} : QStringList();
+        addBuild(std::move(m_builds[i]), parent, progress);
+    }
+    if (m_tooMany > 0)
+        m_remarks.add(0, Tr::tr("items left out because there would be too many tracks: %1").arg(m_tooMany));
+    if (m_outside > 0)
+        m_remarks.add(0, Tr::tr("items left out because they are outside the years 1 to 9999: %1").arg(m_outside));
+    m_remarks.addTo(m_document);
+    m_warnings.addTo(m_document);
+    return std::move(m_document);
+}
+
+struct LogLine
+{
+    QByteArray text; ///< without what ends it
+    bool isTooLong = false;
+};
+
+/// Nothing at the end. Of a line that is longer than any log has, the rest is passed over.
+std::optional<LogLine> nextLine(QIODevice& device)
+{
+    LogLine line{device.readLine(longestLine)};
+    if (line.text.isEmpty())
+        return std::nullopt;
+    line.isTooLong = line.text.size() >= longestLine - 1 && !line.text.endsWith('\n');
+    for (QByteArray rest = line.text; line.isTooLong && !rest.isEmpty() && !rest.endsWith('\n');)
+        rest = device.readLine(longestLine);
+    while (line.text.endsWith('\n') || line.text.endsWith('\r'))
+        line.text.chop(1);
+    return line;
+}
+
+void readLines(QIODevice& device, NinjaDocumentBuilder& builder, ReadProgress& progress, int& number)
+{
+    builder.readFirstLine(nextLine(device).value_or(LogLine()).text);
+    const auto size = static_cast<double>(std::max<qint64>(device.size(), 1));
+    while (const std::optional<LogLine> line = nextLine(device)) {
+        ++number;
+        if (line->isTooLong)
+            builder.warn(number, Tr::tr("the line is left out: it is longer than %1 bytes").arg(longestLine));
+        else
+            builder.readLine(line->text, number);
+        progress.report(static_cast<double>(device.pos()) / size);
+    }
+}
+
+} // namespace
+
+Result<Document> readNinjaLog(QIODevice& device, const QString& fileName, const ReadOptions& options)
+{
+    ReadProgress progress(options);
+    NinjaDocumentBuilder builder(fileName);
+    int line = 1;
+    try {
+        progress.report(0.0);
+        progress.setPart(0.0, 0.8);
+        readLines(device, builder, progress, line);
+        progress.setPart(0.8, 1.0);
+        return builder.takeDocument(progress);
+    } catch (const QString& reason) {
+        return FileError{fileName, line, reason};
+    } catch (const ReadCancelled&) {
+        return FileError{fileName, 0, cancelledReason()};
+    }
+}
+
+Result<Document> readNinjaLog(const QString& fileName, const ReadOptions& options)
+{
+    return readFile(fileName, [&](QIODevice& device) { return readNinjaLog(device, fileName, options); });
+}
+
+} // namespace VeskTimeline::Kit

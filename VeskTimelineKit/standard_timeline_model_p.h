@@ -1,0 +1,61 @@
+#pragma once
+
+// Internal to the kit; not installed.
+
+#include "undo_gesture_p.h"
+#include "undo_step_p.h"
+
+#include <VeskTimelineKit/standard_timeline_model.h>
+
+#include <QUndoStack>
+
+namespace VeskTimeline::Kit {
+
+struct StandardTimelineModelPrivate
+{
+    StandardTimelineModelPrivate(StandardTimelineModel& model, TimelineView* modelView)
+        : contents(model), gesture(modelView), view(modelView)
+    {
+    }
+
+    /// Makes a change and records it in the step under way.
+    void perform(std::unique_ptr<Change> change)
+    {
+        change->swap(contents);
+        record(std::move(change));
+    }
+    /// Records a change that has been made.
+    void record(std::unique_ptr<Change> change)
+    {
+        step->add(std::move(change));
+        step->dropLastIfNothing();
+    }
+
+    ModelContents contents;
+    UndoGesture gesture;
+    QPointer<TimelineView> view;
+    QUndoStack stack;
+    std::unique_ptr<UndoStep> step;
+    StandardTimelineModel::OverlapPolicy overlapPolicy = StandardTimelineModel::AllowOverlaps;
+    int nextWhole = 0;
+    bool isUnrecorded = false;
+};
+
+/// While it lives, changes go into one step, which the outermost scope pushes, also when an exception ends it: what has
+/// been done can be undone.
+class StepScope
+{
+public:
+    StepScope(StandardTimelineModelPrivate& d, StepKind kind, const QString& text = {});
+    ~StepScope();
+    Q_DISABLE_COPY_MOVE(StepScope)
+
+    /// The step may become one with others of the gesture under way.
+    void joinGesture();
+
+private:
+    StandardTimelineModelPrivate& m_d;
+    bool m_isOutermost;
+};
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,217 @@
+#include "kit_tr_p.h"
+#include "lane_packer_p.h"
+#include "read_progress_p.h"
+#include "time_limits_p.h"
+#include "trace_layout_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+// More rows than anybody can look at; a trace that asks for them is made to fill the memory.
+constexpr int mostLanes = 10'000;
+constexpr std::size_t mostTracks = 100'000;
+
+/// Turns times of a trace into those of the axis.
+class AxisScale
+{
+public:
+    AxisScale(double origin, double factor) : m_origin(origin), m_factor(factor) {}
+
+    /// Cut to whole milliseconds; nothing outside of the years that can be shown.
+    std::optional<qint64> timeAt(double microseconds)
+    {
+        // Sums of decimal fractions of microseconds miss whole numbers by a hair.
+        const double hair = 0.0005 * std::min(m_factor, 1.0);
+        const double time = (microseconds - m_origin) * m_factor;
+        const double whole = std::floor(time + hair);
+        if (!(whole >= static_cast<double>(earliestTime) && whole <= static_cast<double>(latestTime)))
+            return std::nullopt;
+        m_cutTimes += time - whole > hair ? 1 : 0;
+        return static_cast<qint64>(whole);
+    }
+    int cutTimes() const { return m_cutTimes; }
+
+private:
+    double m_origin;
+    double m_factor;
+    int m_cutTimes = 0;
+};
+
+/// Puts the slices of the groups into a document.
+class TraceTracks
+{
+public:
+    TraceTracks(AxisScale scale, ReadProgress& progress) : m_scale(scale), m_progress(progress) {}
+
+    void add(const QStringList& path, std::vector<TraceSlice> slices);
+    Document takeDocument(WarningList& warnings);
+
+private:
+    using LaneItems = std::vector<DocumentItem>;
+
+    std::vector<DocumentItem> itemsOf(std::vector<TraceSlice> slices);
+    void addLanes(const QStringList& path, std::vector<LaneItems> lanes);
+
+    AxisScale m_scale;
+    ReadProgress& m_progress;
+    Document m_document;
+    int m_outside = 0;
+    int m_tooMany = 0;
+};
+
+std::vector<DocumentItem> TraceTracks::itemsOf(std::vector<TraceSlice> slices)
+{
+    std::vector<DocumentItem> items;
+    items.reserve(slices.size());
+    for (TraceSlice& slice : slices) {
+        m_progress.reportSometimes(0.5);
+        const bool hasEnd = slice.end != TraceSlice::noEnd;
+        const std::optional<qint64> start = m_scale.timeAt(slice.start);
+        const std::optional<qint64> end = hasEnd ? m_scale.timeAt(slice.end) : start;
+        if (!start || !end) {
+            ++m_outside;
+            continue;
+        }
+        DocumentItem item;
+        item.label = std::move(slice.label);
+        item.start = *start;
+        item.duration = hasEnd ? *end - *start : DocumentItem::openEnded;
+        item.attributes = std::move(slice.attributes);
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+void TraceTracks::add(const QStringList& path, std::vector<TraceSlice> slices)
+{
+    const auto endOf = [](const DocumentItem& item) {
+        return item.duration == DocumentItem::openEnded ? std::numeric_limits<qint64>::max() : item.end();
+    };
+    std::vector<DocumentItem> items = itemsOf(std::move(slices));
+    std::stable_sort(items.begin(), items.end(), [&](const DocumentItem& a, const DocumentItem& b) {
+        m_progress.reportSometimes(0.5);
+        return std::make_tuple(a.start, endOf(b)) < std::make_tuple(b.start, endOf(a));
+    });
+
+    LanePacker packer;
+    std::vector<LaneItems> lanes;
+    for (DocumentItem& item : items) {
+        m_progress.reportSometimes(0.5);
+        const int lane = packer.place(item.start, endOf(item));
+        if (lane >= mostLanes) {
+            ++m_tooMany;
+            continue;
+        }
+        lanes.resize(std::max(lanes.size(), static_cast<std::size_t>(lane) + 1));
+        lanes[static_cast<std::size_t>(lane)].push_back(std::move(item));
+    }
+    addLanes(path, std::move(lanes));
+}
+
+void TraceTracks::addLanes(const QStringList& path, std::vector<LaneItems> lanes)
+{
+    for (std::size_t depth = 0; depth < lanes.size(); ++depth) {
+        if (m_document.tracks().size() >= mostTracks) {
+            m_tooMany += static_cast<int>(lanes[depth].size());
+            continue;
+        }
+        const QStringList below = depth > 0 ? QStringList{Tr::tr("depth %1").arg(depth)} : QStringList();
+        m_document.track(path + below).items = std::move(lanes[depth]);
+    }
+}
+
+Document TraceTracks::takeDocument(WarningList& warnings)
+{
+    if (m_scale.cutTimes() > 0)
+        warnings.add(0, Tr::tr("times cut to whole milliseconds: %1").arg(m_scale.cutTimes()));
+    if (m_outside > 0)
+        warnings.add(0, Tr::tr("items left out because they are outside the years 1 to 9999: %1").arg(m_outside));
+    if (m_tooMany > 0)
+        warnings.add(0, Tr::tr("items left out because there would be too many tracks: %1").arg(m_tooMany));
+    return std::move(m_document);
+}
+
+QString titleOf(const QString& name, const QString& id, const QString& kind)
+{
+    return name.isEmpty() ? QStringLiteral("%1 %2").arg(kind, id) : QStringLiteral("%1 (%2)").arg(name, id);
+}
+
+} // namespace
+
+std::size_t TraceLayout::processIndex(const QString& id)
+{
+    const auto found = m_processIndexes.constFind(id);
+    if (found != m_processIndexes.cend())
+        return *found;
+    m_processIndexes.insert(id, m_processes.size());
+    m_processes.push_back({id, {}, 0.0});
+    return m_processes.size() - 1;
+}
+
+std::size_t TraceLayout::groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id)
+{
+    const std::size_t owner = processIndex(process);
+    const QString key = QStringLiteral("%1 %2 ").arg(owner).arg(static_cast<int>(kind)) + id;
+    const auto found = m_groupIndexes.constFind(key);
+    if (found != m_groupIndexes.cend())
+        return *found;
+    m_groupIndexes.insert(key, m_groups.size());
+    m_groups.push_back({kind, owner, id, {}, 0.0, {}});
+    return m_groups.size() - 1;
+}
+
+std::vector<TraceGroup*> TraceLayout::groupsInOrder()
+{
+    std::vector<TraceGroup*> groups;
+    for (TraceGroup& group : m_groups)
+        groups.push_back(&group);
+    const auto orderOf = [this](const TraceGroup& group) {
+        return std::make_tuple(m_processes[group.process].sortIndex, group.process, group.kind, group.sortIndex);
+    };
+    std::stable_sort(groups.begin(), groups.end(),
+                     [&](const TraceGroup* a, const TraceGroup* b) { return orderOf(*a) < orderOf(*b); });
+    return groups;
+}
+
+QStringList TraceLayout::pathOf(const TraceGroup& group) const
+{
+    const TraceProcess& process = m_processes[group.process];
+    const QString title = group.kind == TraceGroup::Kind::Thread ? titleOf(group.name, group.id, Tr::tr("thread"))
+                                                                 : Tr::tr("async %1").arg(group.id);
+    return {titleOf(process.name, process.id, Tr::tr("process")), title};
+}
+
+// Traces may count from when the machine was started, or from 1970: stretched, that would be after the last year.
+double TraceLayout::originOf(double factor) const
+{
+    double first = TraceSlice::noEnd;
+    for (const TraceGroup& group : m_groups) {
+        for (const TraceSlice& slice : group.slices)
+            first = std::min(first, slice.start);
+    }
+    return first != TraceSlice::noEnd && first * factor > static_cast<double>(latestTime) ? std::floor(first) : 0.0;
+}
+
+Document TraceLayout::takeDocument(double factor, WarningList& warnings, ReadProgress& progress)
+{
+    const double origin = originOf(factor);
+    if (origin > 0.0)
+        warnings.add(0, Tr::tr("times count from the first event, which is at %1 microseconds")
+                            .arg(QString::number(origin, 'f', 0)));
+    TraceTracks tracks(AxisScale(origin, factor), progress);
+    int unused = 0;
+    for (TraceGroup* const group : groupsInOrder()) {
+        unused += group->slices.empty() ? 1 : 0;
+        tracks.add(pathOf(*group), std::move(group->slices));
+    }
+    if (unused > 0)
+        warnings.add(0, Tr::tr("threads left out because they have no items: %1").arg(unused));
+    return tracks.takeDocument(warnings);
+}
+
+} // namespace VeskTimeline::Kit

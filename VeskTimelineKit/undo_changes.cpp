@@ -1,0 +1,50 @@
+#include "undo_changes_p.h"
+
+namespace VeskTimeline::Kit {
+
+Change::~Change() = default;
+
+void ItemChange::swap(ModelContents& contents)
+{
+    ItemState here = contents.itemState(m_itemId);
+    contents.setItemState(m_itemId, m_other);
+    m_other = std::move(here);
+}
+
+void ItemsChange::swap(ModelContents& contents)
+{
+    if (m_items.empty())
+        m_items = contents.takeItems(m_trackId, m_positions);
+    else
+        contents.putItems(m_trackId, m_positions, std::exchange(m_items, {}));
+}
+
+void TrackChange::swap(ModelContents& contents)
+{
+    if (m_track)
+        contents.putTrack(m_place, std::move(m_track));
+    else
+        m_track = contents.takeTrack(m_place);
+}
+
+void TrackMove::swap(ModelContents& contents)
+{
+    contents.moveTrack(m_trackId, m_other);
+    std::swap(m_here, m_other);
+}
+
+void TrackDetailsChange::swap(ModelContents& contents)
+{
+    TrackDetails here = contents.trackDetails(m_trackId);
+    contents.setTrackDetails(m_trackId, m_other);
+    m_other = std::move(here);
+}
+
+void CopyItemsChange::swap(ModelContents& contents)
+{
+    QSet<int> here = contents.copyItemIds(m_trackId);
+    contents.setCopyItemIds(m_trackId, m_other);
+    m_other = std::move(here);
+}
+
+} // namespace VeskTimeline::Kit

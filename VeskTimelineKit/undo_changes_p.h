@@ -1,0 +1,112 @@
+#pragma once
+
+// Internal to the kit; not installed.
+
+#include "undo_contents_p.h"
+
+namespace VeskTimeline::Kit {
+
+/// One change of a model's contents that can be taken back and made again. It holds the side of the change that the
+/// model is not at; both ways are the same swap.
+class Change
+{
+public:
+    Change() = default;
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
+    virtual ~Change();
+
+    virtual void swap(ModelContents& contents) = 0;
+    /// The item whose state is all that this changes; -1 for other changes.
+    virtual int changedItem() const { return -1; }
+    /// Whether the model would be the same on the other side.
+    virtual bool isNothing(const ModelContents& /*contents*/) const { return false; }
+};
+
+class ItemChange : public Change
+{
+public:
+    ItemChange(int itemId, ItemState other) : m_itemId(itemId), m_other(std::move(other)) {}
+
+    void swap(ModelContents& contents) override;
+    int changedItem() const override { return m_itemId; }
+    bool isNothing(const ModelContents& contents) const override { return contents.itemState(m_itemId) == m_other; }
+
+private:
+    int m_itemId;
+    ItemState m_other;
+};
+
+/// Items of one track that are there on one side only; while they are not, the change owns them.
+class ItemsChange : public Change
+{
+public:
+    /// @param items empty for items that are in the model
+    ItemsChange(int trackId, Positions positions, Items items = {})
+        : m_trackId(trackId), m_positions(std::move(positions)), m_items(std::move(items))
+    {
+    }
+
+    void swap(ModelContents& contents) override;
+
+private:
+    int m_trackId;
+    Positions m_positions;
+    Items m_items;
+};
+
+/// A track, with all that is in it, that is there on one side only; while it is not, the change owns it.
+class TrackChange : public Change
+{
+public:
+    /// @param track null for one that is in the model
+    explicit TrackChange(const TrackPlace& place, TrackPtr track = {}) : m_place(place), m_track(std::move(track)) {}
+
+    void swap(ModelContents& contents) override;
+
+private:
+    TrackPlace m_place;
+    TrackPtr m_track;
+};
+
+class TrackMove : public Change
+{
+public:
+    TrackMove(int trackId, const TrackPlace& from, const TrackPlace& other)
+        : m_trackId(trackId), m_here(from), m_other(other)
+    {
+    }
+
+    void swap(ModelContents& contents) override;
+
+private:
+    int m_trackId;
+    TrackPlace m_here;
+    TrackPlace m_other;
+};
+
+class TrackDetailsChange : public Change
+{
+public:
+    TrackDetailsChange(int trackId, TrackDetails other) : m_trackId(trackId), m_other(std::move(other)) {}
+
+    void swap(ModelContents& contents) override;
+
+private:
+    int m_trackId;
+    TrackDetails m_other;
+};
+
+class CopyItemsChange : public Change
+{
+public:
+    CopyItemsChange(int trackId, QSet<int> other) : m_trackId(trackId), m_other(std::move(other)) {}
+
+    void swap(ModelContents& contents) override;
+
+private:
+    int m_trackId;
+    QSet<int> m_other;
+};
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,319 @@
+#include "undo_contents_p.h"
+
+#include <VeskTimelineKit/standard_timeline_model.h>
+
+#include <algorithm>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+QVector<int> sorted(const QSet<int>& ids)
+{
+    QVector<int> list(ids.begin(), ids.end());
+    std::sort(list.begin(), list.end());
+    return list;
+}
+
+template <typename List>
+auto at(List& list, int position)
+{
+    return list.begin() + std::clamp(position, 0, static_cast<int>(list.size()));
+}
+
+} // namespace
+
+int ModelContents::positionOf(const Item& item) const
+{
+    const Items& items = m_model.track(item.parentTrackId())->items();
+    const auto isSame = [&item](const ItemPtr& other) { return other.get() == &item; };
+    const auto first = std::lower_bound(items.begin(), items.end(), item.startTime(),
+                                        [](const ItemPtr& other, qint64 time) { return other->startTime() < time; });
+    auto found = std::find_if(first, items.end(), isSame);
+    if (found == items.end())
+        found = std::find_if(items.begin(), first, isSame);
+    return static_cast<int>(found - items.begin());
+}
+
+ItemState ModelContents::itemState(int itemId) const
+{
+    const Item& item = *std::as_const(m_model).item(itemId);
+    ItemState state{item.parentTrackId(), positionOf(item), item.startTime(), item.duration()};
+    state.details.color = item.color();
+    state.details.isEditable = item.isEditable();
+    if (const auto* const labelled = dynamic_cast<const LabelledItem*>(&item)) {
+        state.details.label = labelled->plainLabel();
+        state.details.description = labelled->description();
+        state.details.attributes = labelled->attributes();
+        state.details.piece = labelled->piece();
+        if (!labelled->hasOwnColor())
+            state.details.color = QColor();
+    }
+    return state;
+}
+
+void ModelContents::applyDetails(Item& item, const ItemDetails& details, const Track& track)
+{
+    item.setColor(details.color.isValid() ? details.color : colorOf(track));
+    item.setEditable(details.isEditable);
+    if (auto* const labelled = dynamic_cast<LabelledItem*>(&item)) {
+        labelled->setLabel(details.label);
+        labelled->setDescription(details.description);
+        labelled->setAttributes(details.attributes);
+        labelled->setPiece(details.piece);
+        labelled->setHasOwnColor(details.color.isValid());
+    }
+}
+
+void ModelContents::setItemState(int itemId, const ItemState& state)
+{
+    Item& item = *m_model.item(itemId);
+    const int formerTrackId = item.parentTrackId();
+    if (item.parentTrackId() != state.trackId)
+        m_model.moveUnrecorded(itemId, state.trackId, state.start);
+
+    Track& track = *m_model.track(state.trackId);
+    Items& items = track.items();
+    const auto found = at(items, positionOf(item));
+    ItemPtr taken = std::move(*found);
+    items.erase(found);
+    item._setStartTime(state.start);
+    item._setDuration(state.duration);
+    applyDetails(item, state.details, track);
+    items.insert(at(items, state.position), std::move(taken));
+    noteChanged(item, formerTrackId);
+}
+
+Items ModelContents::takeItems(int trackId, const Positions& positions)
+{
+    Track& track = *m_model.track(trackId);
+    Items& items = track.items();
+    Items taken;
+    taken.reserve(positions.size());
+    Items kept;
+    auto next = positions.begin();
+    if (positions.size() > 1)
+        kept.reserve(items.size());
+    if (positions.size() == 1) {
+        const auto found = items.begin() + positions.front();
+        taken.push_back(std::move(*found));
+        items.erase(found);
+    } else {
+        for (int position = 0; position < track.itemCount(); ++position) {
+            ItemPtr& item = items[static_cast<std::size_t>(position)];
+            const bool isTaken = next != positions.end() && *next == position;
+            (isTaken ? taken : kept).push_back(std::move(item));
+            if (isTaken)
+                ++next;
+        }
+        items = std::move(kept);
+    }
+    for (const ItemPtr& item : taken) {
+        m_model.m_itemCache.erase(item->id());
+        noteRemoved(item->id());
+    }
+    touch(track);
+    return taken;
+}
+
+void ModelContents::putItems(int trackId, const Positions& positions, Items&& items)
+{
+    Track& track = *m_model.track(trackId);
+    for (const ItemPtr& item : items) {
+        m_model.m_itemCache[item->id()] = item.get();
+        noteAdded(*item);
+    }
+    Items& own = track.items();
+    if (items.size() == 1) {
+        own.insert(at(own, positions.front()), std::move(items.front()));
+        return;
+    }
+    Items merged;
+    merged.reserve(own.size() + items.size());
+    std::size_t next = 0;
+    for (ItemPtr& item : own) {
+        while (next < items.size() && static_cast<std::size_t>(positions[next]) == merged.size())
+            merged.push_back(std::move(items[next++]));
+        merged.push_back(std::move(item));
+    }
+    std::move(items.begin() + static_cast<std::ptrdiff_t>(next), items.end(), std::back_inserter(merged));
+    own = std::move(merged);
+}
+
+QModelIndex ModelContents::rowOf(const Track& track) const
+{
+    if (&track == std::as_const(m_model).rootTrack())
+        return {};
+    return m_model.createIndex(placeOf(track).row, 0, static_cast<quintptr>(track.id()));
+}
+
+TrackPlace ModelContents::placeOf(const Track& track) const
+{
+    return {track.parentId(), m_model.track(track.parentId())->rowOfTrack(track.id())};
+}
+
+void ModelContents::enterSubtree(Track& track)
+{
+    m_model.m_trackCache[track.id()] = &track;
+    for (const ItemPtr& item : track.items()) {
+        m_model.m_itemCache[item->id()] = item.get();
+        noteAdded(*item);
+    }
+    for (const TrackPtr& child : track.tracks())
+        enterSubtree(*child);
+}
+
+void ModelContents::leaveSubtree(Track& track)
+{
+    for (const TrackPtr& child : track.tracks())
+        leaveSubtree(*child);
+    for (const ItemPtr& item : track.items()) {
+        m_model.m_itemCache.erase(item->id());
+        noteRemoved(item->id());
+    }
+    m_model.m_trackCache.erase(track.id());
+}
+
+TrackPtr ModelContents::takeTrack(const TrackPlace& place)
+{
+    Track& parent = *m_model.track(place.parentId);
+    Tracks& siblings = parent.tracks();
+    m_model.beginRemoveRows(rowOf(parent), place.row, place.row);
+    const auto found = siblings.begin() + place.row;
+    TrackPtr taken = std::move(*found);
+    siblings.erase(found);
+    leaveSubtree(*taken);
+    m_model.endRemoveRows();
+    return taken;
+}
+
+void ModelContents::putTrack(const TrackPlace& place, TrackPtr&& track)
+{
+    Track& parent = *m_model.track(place.parentId);
+    Tracks& siblings = parent.tracks();
+    m_model.beginInsertRows(rowOf(parent), place.row, place.row);
+    Track& added = **siblings.insert(at(siblings, place.row), std::move(track));
+    enterSubtree(added);
+    m_model.endInsertRows();
+}
+
+void ModelContents::moveTrack(int trackId, const TrackPlace& place)
+{
+    auto& track = dynamic_cast<StandardTrack&>(*m_model.track(trackId));
+    const TrackPlace from = placeOf(track);
+    Track& oldParent = *m_model.track(from.parentId);
+    Track& newParent = *m_model.track(place.parentId);
+    // Qt wants the row in front of which the moved one is put, counted while it is still at its old place.
+    const bool isDown = &oldParent == &newParent && place.row > from.row;
+    if (!m_model.beginMoveRows(rowOf(oldParent), from.row, from.row, rowOf(newParent), place.row + (isDown ? 1 : 0)))
+        return;
+    const auto found = oldParent.tracks().begin() + from.row;
+    TrackPtr taken = std::move(*found);
+    oldParent.tracks().erase(found);
+    track.setParentId(newParent.id());
+    newParent.tracks().insert(at(newParent.tracks(), place.row), std::move(taken));
+    m_model.endMoveRows();
+}
+
+TrackDetails ModelContents::trackDetails(int trackId) const
+{
+    const Track& track = *std::as_const(m_model).track(trackId);
+    const auto* const standard = dynamic_cast<const StandardTrack*>(&track);
+    return standard ? standard->details() : TrackDetails{track.text(), {}};
+}
+
+void ModelContents::setTrackDetails(int trackId, const TrackDetails& details)
+{
+    auto& track = dynamic_cast<StandardTrack&>(*m_model.track(trackId));
+    const bool isRecoloured = track.details().color != details.color;
+    track.setDetails(details);
+    touch(track);
+    for (const ItemPtr& item : track.items()) {
+        const auto* const labelled = dynamic_cast<const LabelledItem*>(item.get());
+        if (!isRecoloured || !labelled || labelled->hasOwnColor())
+            continue;
+        item->setColor(colorOf(track));
+        noteChanged(*item, trackId);
+    }
+}
+
+QSet<int> ModelContents::copyItemIds(int trackId) const
+{
+    return std::as_const(m_model).track(trackId)->copyItemIds();
+}
+
+void ModelContents::setCopyItemIds(int trackId, const QSet<int>& ids)
+{
+    Track& track = *m_model.track(trackId);
+    track.clearCopyItemIds();
+    track.addCopyItemIds(ids);
+    touch(track);
+}
+
+QColor ModelContents::colorOf(const Track& track)
+{
+    const auto* const standard = dynamic_cast<const StandardTrack*>(&track);
+    if (standard && standard->details().color.isValid())
+        return standard->details().color;
+    // The first track has the id 1.
+    return StandardTimelineModel::trackColor(std::max(track.id() - 1, 0));
+}
+
+void ModelContents::noteAdded(const Item& item)
+{
+    if (!m_removed.remove(item.id()))
+        m_added.insert(item.id());
+    else
+        m_changed.insert(item.id());
+    touch(*m_model.track(item.parentTrackId()));
+}
+
+void ModelContents::noteRemoved(int itemId)
+{
+    m_changed.remove(itemId);
+    if (!m_added.remove(itemId))
+        m_removed.insert(itemId);
+}
+
+void ModelContents::noteChanged(const Item& item, int formerTrackId)
+{
+    touch(*m_model.track(formerTrackId));
+    if (!m_added.contains(item.id()))
+        m_changed.insert(item.id());
+    touch(*m_model.track(item.parentTrackId()));
+}
+
+// The tracks above may show the track's items as copies.
+void ModelContents::touch(const Track& track)
+{
+    m_touchedTracks.insert(track.id());
+    for (const Track* above = &track; above->parentId() >= 0;) {
+        above = m_model.track(above->parentId());
+        if (above->hasCopyItems())
+            m_touchedTracks.insert(above->id());
+    }
+}
+
+void ModelContents::announce()
+{
+    const QVector<int> removed = sorted(std::exchange(m_removed, {}));
+    const QVector<int> added = sorted(std::exchange(m_added, {}));
+    const QVector<int> changed = sorted(std::exchange(m_changed, {}));
+    const QVector<int> touched = sorted(std::exchange(m_touchedTracks, {}));
+    if (!removed.isEmpty())
+        Q_EMIT m_model.itemsRemoved(removed);
+    if (!added.isEmpty())
+        Q_EMIT m_model.itemsAdded(added);
+    if (!changed.isEmpty())
+        Q_EMIT m_model.itemsChanged(changed);
+    for (const int trackId : touched) {
+        const auto found = m_model.m_trackCache.find(trackId);
+        if (found == m_model.m_trackCache.end())
+            continue;
+        const QModelIndex row = rowOf(*found->second);
+        if (row.isValid())
+            Q_EMIT m_model.dataChanged(row, row.siblingAtColumn(1));
+    }
+}
+
+} // namespace VeskTimeline::Kit

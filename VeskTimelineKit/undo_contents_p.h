@@ -1,0 +1,111 @@
+#pragma once
+
+// Internal to the kit; not installed.
+
+#include "standard_timeline_model_track_p.h"
+
+#include <VeskTimelineKit/labelled_item.h>
+
+#include <QSet>
+
+namespace VeskTimeline::Kit {
+
+class StandardTimelineModel;
+
+/// What an item says, apart from its times.
+struct ItemDetails
+{
+    QString label = {};
+    QString description = {};
+    QMap<QString, QString> attributes = {};
+    QColor color = {}; ///< invalid: that of the track
+    bool isEditable = true;
+    ItemPiece piece = {};
+
+    friend bool operator==(const ItemDetails& left, const ItemDetails& right)
+    {
+        return left.label == right.label && left.description == right.description &&
+               left.attributes == right.attributes && left.color == right.color &&
+               left.isEditable == right.isEditable && left.piece == right.piece;
+    }
+};
+
+/// All that can change about an item. The position among the items of its track tells the order of those that start at
+/// the same time.
+struct ItemState
+{
+    int trackId = 0;
+    int position = 0;
+    qint64 start = 0;
+    int duration = 0;
+    ItemDetails details = {};
+
+    friend bool operator==(const ItemState& left, const ItemState& right)
+    {
+        return left.trackId == right.trackId && left.position == right.position && left.start == right.start &&
+               left.duration == right.duration && left.details == right.details;
+    }
+};
+
+struct TrackPlace
+{
+    int parentId = 0;
+    int row = 0;
+};
+
+using Positions = std::vector<int>;
+
+/// Reads and changes what a model holds, keeping its caches in step, for the commands of its undo stack. Nothing is
+/// recorded here.
+///
+/// Row signals go out at once; what happens to items is collected until announce(). Unknown ids throw as in the model.
+class ModelContents
+{
+public:
+    explicit ModelContents(StandardTimelineModel& model) : m_model(model) {}
+
+    ItemState itemState(int itemId) const;
+    void setItemState(int itemId, const ItemState& state);
+    int positionOf(const Item& item) const;
+
+    /// Takes items out of the model. @param positions in the track, ascending
+    Items takeItems(int trackId, const Positions& positions);
+    /// Puts items where they will stand then. @param positions ascending, one for each item
+    void putItems(int trackId, const Positions& positions, Items&& items);
+
+    TrackPlace placeOf(const Track& track) const;
+    TrackPtr takeTrack(const TrackPlace& place);
+    void putTrack(const TrackPlace& place, TrackPtr&& track);
+    /// @param place where the track stands afterwards
+    void moveTrack(int trackId, const TrackPlace& place);
+
+    TrackDetails trackDetails(int trackId) const;
+    void setTrackDetails(int trackId, const TrackDetails& details);
+
+    QSet<int> copyItemIds(int trackId) const;
+    void setCopyItemIds(int trackId, const QSet<int>& ids);
+
+    static QColor colorOf(const Track& track);
+
+    void noteAdded(const Item& item);
+    /// @param formerTrackId the track that the item was on before, which may be the one it is on
+    void noteChanged(const Item& item, int formerTrackId);
+    /// Emits what has been collected.
+    void announce();
+
+private:
+    QModelIndex rowOf(const Track& track) const;
+    void noteRemoved(int itemId);
+    void touch(const Track& track);
+    void applyDetails(Item& item, const ItemDetails& details, const Track& track);
+    void enterSubtree(Track& track);
+    void leaveSubtree(Track& track);
+
+    StandardTimelineModel& m_model;
+    QSet<int> m_added;
+    QSet<int> m_removed;
+    QSet<int> m_changed;
+    QSet<int> m_touchedTracks;
+};
+
+} // namespace VeskTimeline::Kit

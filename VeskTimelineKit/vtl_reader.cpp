@@ -1,0 +1,276 @@
+#include "json_record_p.h"
+#include "json_record_reader_p.h"
+#include "kit_tr_p.h"
+#include "quoted_text_p.h"
+#include "read_file_p.h"
+#include "time_limits_p.h"
+#include "vtl_format_p.h"
+
+#include <VeskTimelineKit/vtl_reader.h>
+#include <VeskTimelineKit/warnings.h>
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace VeskTimeline::Kit {
+
+using namespace simdjson;
+
+namespace {
+
+constexpr qsizetype deepestPath = 100;
+
+QColor colorOf(const QString& text)
+{
+    // Sixteen bits of alpha, red, green and blue each, for the colours that "#AARRGGBB" cannot say.
+    if (text.size() == 17 && text.startsWith(u'#')) {
+        bool isNumber = false;
+        const quint64 value = text.mid(1).toULongLong(&isNumber, 16);
+        const auto channel = [value](int shift) { return static_cast<quint16>(value >> shift & 0xFFFF); };
+        const QRgba64 color = QRgba64::fromRgba64(channel(32), channel(16), channel(0), channel(48));
+        return isNumber ? QColor::fromRgba64(color) : QColor();
+    }
+    return text.startsWith(u'#') && QColor::isValidColorName(text) ? QColor::fromString(text) : QColor();
+}
+
+/// Makes a document of records. The operations throw the reason, a QString, to refuse the text.
+class VtlDocumentBuilder
+{
+public:
+    explicit VtlDocumentBuilder(const QString& fileName) : m_warnings(fileName) {}
+
+    static bool isWanted(const QByteArray& member)
+    {
+        return member == "format" || member == "version" || member == "tracks" || member == "items";
+    }
+    void readRecord(JsonRecordReader& reader);
+    Document takeDocument(const JsonRecordReader& reader);
+
+private:
+    void readFormat(const dom::element& value);
+    void readVersion(const dom::element& value);
+    void readTrack(const dom::element& value);
+    void readItem(const dom::element& value);
+    void setMember(DocumentItem& item, std::string_view name, const dom::element& value);
+    static QString textOf(const dom::element& value, std::string_view name);
+    static qint64 wholeNumberOf(const dom::element& value, std::string_view name);
+    static QColor readColor(const dom::element& value);
+    static void setAttributes(DocumentItem& item, const dom::element& value);
+    static void checkTimes(const DocumentItem& item);
+
+    JsonRecordParser m_parser;
+    Document m_document;
+    WarningList m_warnings;
+    std::vector<QStringList> m_paths; // in the order that items refer to
+    QSet<QStringList> m_known;
+    bool m_hasFormat = false;
+    bool m_hasVersion = false;
+    int m_line = 0;
+};
+
+void VtlDocumentBuilder::readRecord(JsonRecordReader& reader)
+{
+    m_line = reader.line();
+    const QByteArray& member = reader.member();
+    const bool isItem = member == "items" && reader.isElement();
+    const std::optional<dom::element> value = m_parser.parse(reader.text());
+    if (m_parser.wasMended())
+        m_warnings.add(m_line, Tr::tr("bytes that are not UTF-8 are replaced"));
+    if (!value && !isItem)
+        throw m_parser.errorReason();
+
+    if (member == "format")
+        return readFormat(*value);
+    if (member == "version")
+        return readVersion(*value);
+    if (!m_hasFormat || !m_hasVersion)
+        throw Tr::tr("not a VeskTimeline document: it does not start with format and version");
+    if (!reader.isElement())
+        throw Tr::tr("\"%1\" is not a list").arg(QString::fromUtf8(member));
+    if (member == "tracks")
+        return readTrack(*value);
+    try {
+        if (!value)
+            throw m_parser.errorReason();
+        readItem(*value);
+    } catch (const QString& reason) {
+        m_warnings.add(m_line, Tr::tr("an item is left out: %1").arg(reason));
+    }
+}
+
+void VtlDocumentBuilder::readFormat(const dom::element& value)
+{
+    std::string_view text;
+    if (value.get(text) != SUCCESS || text != vtlFormatMark)
+        throw Tr::tr("not a VeskTimeline document: its format is another one");
+    m_hasFormat = true;
+}
+
+void VtlDocumentBuilder::readVersion(const dom::element& value)
+{
+    std::int64_t version = 0;
+    if (value.get(version) != SUCCESS || version < 1)
+        throw Tr::tr("the version is not a positive whole number");
+    if (version > vtlVersion)
+        throw Tr::tr("version %1 of the format is newer than this program, which knows version %2")
+            .arg(version)
+            .arg(vtlVersion);
+    m_hasVersion = true;
+}
+
+void VtlDocumentBuilder::readTrack(const dom::element& value)
+{
+    dom::object track;
+    dom::array names;
+    if (value.get(track) != SUCCESS || track["path"].get(names) != SUCCESS || names.size() == 0)
+        throw Tr::tr("a track has no path");
+    if (static_cast<qsizetype>(names.size()) > deepestPath)
+        throw Tr::tr("the track is more than %1 levels deep").arg(deepestPath);
+    QColor color;
+    for (const dom::key_value_pair& member : track) {
+        if (member.key == "color")
+            color = readColor(member.value);
+        else if (member.key != "path")
+            m_warnings.add(m_line,
+                           Tr::tr("the member %1 of a track is left out").arg(quotedText(jsonText(member.key))));
+    }
+    QStringList path;
+    for (const dom::element& name : names)
+        path.append(textOf(name, "path"));
+    // Made up on the way, parents would let a short text grow into a huge tree.
+    const bool hasParent = path.size() == 1 || m_known.contains(path.first(path.size() - 1));
+    if (!hasParent)
+        throw Tr::tr("the track %1 is listed before the one above it").arg(quotedText(path.last()));
+    if (m_known.contains(path))
+        throw Tr::tr("the track %1 is there twice").arg(quotedText(path.last()));
+    m_known.insert(path);
+    m_document.track(path).color = color;
+    m_paths.push_back(std::move(path));
+}
+
+void VtlDocumentBuilder::readItem(const dom::element& value)
+{
+    dom::object members;
+    if (value.get(members) != SUCCESS)
+        throw Tr::tr("it is no object");
+    dom::element trackValue;
+    dom::element startValue;
+    if (members["track"].get(trackValue) != SUCCESS)
+        throw Tr::tr("it has no track");
+    if (members["start"].get(startValue) != SUCCESS)
+        throw Tr::tr("it has no start");
+    const qint64 track = wholeNumberOf(trackValue, "track");
+    if (track < 0 || track >= static_cast<qint64>(m_paths.size()))
+        throw Tr::tr("there is no track %1").arg(track);
+
+    DocumentItem item;
+    item.duration = DocumentItem::openEnded;
+    for (const dom::key_value_pair& member : members)
+        setMember(item, member.key, member.value);
+    checkTimes(item);
+    m_document.track(m_paths[static_cast<std::size_t>(track)]).items.push_back(std::move(item));
+}
+
+void VtlDocumentBuilder::setMember(DocumentItem& item, std::string_view name, const dom::element& value)
+{
+    if (name == "track")
+        return;
+    if (name == "start") {
+        item.start = wholeNumberOf(value, name);
+    } else if (name == "duration") {
+        item.duration = wholeNumberOf(value, name);
+        if (item.duration < 0)
+            throw Tr::tr("the duration is negative");
+    } else if (name == "label") {
+        item.label = textOf(value, name);
+    } else if (name == "description") {
+        item.description = textOf(value, name);
+    } else if (name == "color") {
+        item.color = readColor(value);
+    } else if (name == "editable") {
+        if (value.get(item.isEditable) != SUCCESS)
+            throw Tr::tr("\"editable\" is neither true nor false");
+    } else if (name == "attributes") {
+        setAttributes(item, value);
+    } else {
+        m_warnings.add(m_line, Tr::tr("the member %1 of an item is left out").arg(quotedText(jsonText(name))));
+    }
+}
+
+QString VtlDocumentBuilder::textOf(const dom::element& value, std::string_view name)
+{
+    std::string_view text;
+    if (value.get(text) != SUCCESS)
+        throw Tr::tr("\"%1\" is no text").arg(jsonText(name));
+    return jsonText(text);
+}
+
+qint64 VtlDocumentBuilder::wholeNumberOf(const dom::element& value, std::string_view name)
+{
+    std::int64_t number = 0;
+    if (value.get(number) != SUCCESS)
+        throw Tr::tr("\"%1\" is no whole number, or out of range").arg(jsonText(name));
+    return number;
+}
+
+QColor VtlDocumentBuilder::readColor(const dom::element& value)
+{
+    const QString text = textOf(value, "color");
+    const QColor color = colorOf(text);
+    if (!color.isValid())
+        throw Tr::tr("bad color %1").arg(quotedText(text));
+    return color;
+}
+
+void VtlDocumentBuilder::setAttributes(DocumentItem& item, const dom::element& value)
+{
+    dom::object attributes;
+    if (value.get(attributes) != SUCCESS)
+        throw Tr::tr("\"attributes\" is no object");
+    for (const dom::key_value_pair& attribute : attributes)
+        item.attributes.insert(jsonText(attribute.key), textOf(attribute.value, attribute.key));
+}
+
+void VtlDocumentBuilder::checkTimes(const DocumentItem& item)
+{
+    if (!isWithinTimeLimits(item.start) || (item.duration > 0 && item.duration > latestTime - item.start))
+        throw Tr::tr("its times are outside the years 1 to 9999");
+}
+
+Document VtlDocumentBuilder::takeDocument(const JsonRecordReader& reader)
+{
+    if (!m_hasFormat || !m_hasVersion)
+        throw Tr::tr("not a VeskTimeline document: it has no format and version");
+    for (const QByteArray& member : reader.skippedMembers())
+        m_warnings.add(0, Tr::tr("the member %1 is left out").arg(quotedText(QString::fromUtf8(member))));
+    m_warnings.addTo(m_document);
+    return std::move(m_document);
+}
+
+} // namespace
+
+Result<Document> readVtl(QIODevice& device, const QString& fileName, const ReadOptions& options)
+{
+    ReadProgress progress(options);
+    JsonRecordReader reader(device, progress, VtlDocumentBuilder::isWanted);
+    VtlDocumentBuilder builder(fileName);
+    try {
+        while (reader.next())
+            builder.readRecord(reader);
+        if (reader.ending() != JsonRecordReader::Ending::Complete)
+            return FileError{fileName, 0, Tr::tr("the text ends before its end")};
+        return builder.takeDocument(reader);
+    } catch (const QString& reason) {
+        return FileError{fileName, reader.line(), reason};
+    } catch (const ReadCancelled&) {
+        return FileError{fileName, 0, cancelledReason()};
+    }
+}
+
+Result<Document> readVtl(const QString& fileName, const ReadOptions& options)
+{
+    return readFile(fileName, [&](QIODevice& device) { return readVtl(device, fileName, options); });
+}
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,874 @@
+#include "support/input.h"
+
+#include <VeskTimeline/item_delegate.h>
+#include <VeskTimeline/timeline_view.h>
+#include <VeskTimeline/timeline_view_drag_handler.h>
+#include <VeskTimelineKit/labelled_item.h>
+#include <VeskTimelineKit/standard_timeline_model.h>
+
+#include <QAbstractItemModelTester>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+#include <QUndoStack>
+
+#include <functional>
+
+using namespace VeskTimeline;
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+// The offscreen platform remarks on every window that limits its size.
+const QRegularExpression unexpectedWarning("^(?!This plugin does not support propagateSizeHints)");
+
+/// Follows the item signals, so that what they say can be compared with what there is.
+class Model : public StandardTimelineModel
+{
+public:
+    explicit Model(TimelineView* view = nullptr) : StandardTimelineModel(view)
+    {
+        new QAbstractItemModelTester(this, QAbstractItemModelTester::FailureReportingMode::QtTest, this);
+        connect(this, &StandardTimelineModel::itemsAdded, this, [this](const QVector<int>& ids) {
+            for (const int id : ids) {
+                QVERIFY(!m_known.contains(id));
+                m_known.insert(id);
+            }
+        });
+        connect(this, &StandardTimelineModel::itemsRemoved, this, [this](const QVector<int>& ids) {
+            for (const int id : ids)
+                QVERIFY(m_known.remove(id));
+        });
+        connect(this, &StandardTimelineModel::itemsChanged, this, [this](const QVector<int>& ids) {
+            for (const int id : ids)
+                QVERIFY(m_known.contains(id));
+        });
+        connect(this, &QAbstractItemModel::modelReset, this, [this] {
+            const QVector<int> ids = itemIds();
+            m_known = QSet<int>(ids.begin(), ids.end());
+        });
+    }
+
+    /// The ids by the signals.
+    const QSet<int>& known() const { return m_known; }
+
+    using StandardTimelineModel::m_itemCache;
+    using StandardTimelineModel::m_trackCache;
+
+private:
+    QSet<int> m_known;
+};
+
+QString textOf(const Item& item)
+{
+    const auto& labelled = dynamic_cast<const LabelledItem&>(item);
+    QStringList attributes;
+    for (auto entry = labelled.attributes().begin(); entry != labelled.attributes().end(); ++entry)
+        attributes.append(entry.key() + '=' + entry.value());
+    return QString("%1@%2:%3+%4 '%5' '%6' %7 %8 %9")
+        .arg(item.id())
+        .arg(item.parentTrackId())
+        .arg(item.startTime())
+        .arg(item.duration())
+        .arg(labelled.label(), labelled.description(), attributes.join(','),
+             (labelled.hasOwnColor() ? "" : "~") + item.color().name(QColor::HexArgb),
+             item.isEditable() ? "free" : "locked");
+}
+
+/// All that undo is to restore, as text.
+QString stateOf(const Model& model, const Track& track)
+{
+    QList<int> copies(track.copyItemIds().begin(), track.copyItemIds().end());
+    std::sort(copies.begin(), copies.end());
+    QStringList copyTexts;
+    for (const int id : copies)
+        copyTexts.append(QString::number(id));
+    QString text = QString("[%1<%2 '%3' %4 copies %5\n")
+                       .arg(track.id())
+                       .arg(track.parentId())
+                       .arg(track.text(), model.colorOfTrack(track.id()).name(), copyTexts.join(','));
+    for (const ItemPtr& item : track.items())
+        text += textOf(*item) + '\n';
+    for (const TrackPtr& child : track.tracks())
+        text += stateOf(model, *child);
+    return text + "]\n";
+}
+
+QString stateOf(const Model& model)
+{
+    return stateOf(model, *model.rootTrack());
+}
+
+int checkCaches(const Model& model, const Track& track)
+{
+    int items = track.itemCount();
+    if (model.m_trackCache.at(track.id()) != &track)
+        return -1000000;
+    for (const ItemPtr& item : track.items()) {
+        if (model.m_itemCache.at(item->id()) != item.get())
+            return -1000000;
+    }
+    for (const TrackPtr& child : track.tracks())
+        items += checkCaches(model, *child);
+    return items;
+}
+
+int countTracks(const Track& track)
+{
+    int count = 1;
+    for (const TrackPtr& child : track.tracks())
+        count += countTracks(*child);
+    return count;
+}
+
+void verifyConsistent(const Model& model)
+{
+    QCOMPARE(checkCaches(model, *model.rootTrack()), static_cast<int>(model.m_itemCache.size()));
+    QCOMPARE(countTracks(*model.rootTrack()), static_cast<int>(model.m_trackCache.size()));
+    const QVector<int> ids = model.itemIds();
+    QCOMPARE(model.known(), QSet<int>(ids.begin(), ids.end()));
+}
+
+/// Does one thing after another at random, the way views and applications do.
+class RandomUser
+{
+public:
+    RandomUser(Model& model, quint32 seed) : m_model(model), m_random(seed) {}
+
+    void act()
+    {
+        static const QList<void (RandomUser::*)()> acts{
+            &RandomUser::addTrack,   &RandomUser::insertBelow, &RandomUser::moveTrack,   &RandomUser::renameTrack,
+            &RandomUser::colorTrack, &RandomUser::removeTrack, &RandomUser::addItem,     &RandomUser::addItems,
+            &RandomUser::addItems,   &RandomUser::removeItem,  &RandomUser::removeItems, &RandomUser::retime,
+            &RandomUser::shift,      &RandomUser::resize,      &RandomUser::drop,        &RandomUser::relabel,
+            &RandomUser::describe,   &RandomUser::color,       &RandomUser::lock,        &RandomUser::copies,
+            &RandomUser::paste,      &RandomUser::cut,         &RandomUser::snap,        &RandomUser::addDocument};
+        (this->*acts.at(number(static_cast<int>(acts.size()))))();
+        if (number(3) != 0)
+            m_model.finishGesture();
+    }
+
+    int number(int end) { return m_random.bounded(end); }
+
+private:
+    QList<int> trackIds() const
+    {
+        QList<int> ids;
+        for (const auto& entry : m_model.m_trackCache)
+            ids.append(entry.first);
+        return ids;
+    }
+    int anyTrack() { return trackIds().at(number(static_cast<int>(trackIds().size()))); }
+    int anyInnerTrack()
+    {
+        const QList<int> ids = trackIds();
+        return ids.size() == 1 ? -1 : ids.at(1 + number(static_cast<int>(ids.size()) - 1));
+    }
+    int anyItem()
+    {
+        const QVector<int> ids = m_model.itemIds();
+        return ids.isEmpty() ? -1 : ids.at(number(static_cast<int>(ids.size())));
+    }
+    QVector<int> someItems()
+    {
+        QVector<int> ids;
+        for (const int id : m_model.itemIds()) {
+            if (number(4) == 0)
+                ids.append(id);
+        }
+        return ids;
+    }
+    // Few different ones, so that many items start together.
+    qint64 time() { return 1000 * (number(6) - 2) + number(2) * 250; }
+    QColor anyColor() { return number(3) == 0 ? QColor() : QColor::fromHsv(number(360), 200, 200); }
+    DocumentItem newItem()
+    {
+        const qint64 durations[] = {0, 500, 1700, -1, 5'000'000'000};
+        return {QString::number(number(100)),
+                time(),
+                durations[number(5)],
+                anyColor(),
+                number(2) == 0,
+                number(2) == 0 ? "text" : "",
+                {{"key", QString::number(number(3))}}};
+    }
+
+    void addTrack() { m_model.addTrack(QString("T%1").arg(number(50)), anyTrack()); }
+    void insertBelow()
+    {
+        const int id = anyInnerTrack();
+        if (id != -1)
+            m_model.onInsertTrack(m_model.indexOfTrack(id));
+    }
+    void moveTrack()
+    {
+        const int id = anyInnerTrack();
+        if (id == -1)
+            return;
+        try {
+            m_model.moveTrack(id, anyTrack(), number(5) - 1);
+        } catch (const QString&) {
+            // Below itself.
+        }
+    }
+    void renameTrack()
+    {
+        const int id = anyInnerTrack();
+        if (id != -1)
+            m_model.renameTrack(id, QString("R%1").arg(number(50)));
+    }
+    void colorTrack()
+    {
+        const int id = anyInnerTrack();
+        if (id != -1)
+            m_model.setTrackColor(id, anyColor());
+    }
+    void removeTrack()
+    {
+        const int id = anyInnerTrack();
+        if (id != -1 && number(3) == 0)
+            m_model.removeTrack(id);
+    }
+    // The root has no row to show items on.
+    void addItem()
+    {
+        const int trackId = anyInnerTrack();
+        if (trackId != -1)
+            m_model.addItem(trackId, newItem());
+    }
+    void addItems()
+    {
+        const int trackId = anyInnerTrack();
+        if (trackId == -1)
+            return;
+        std::vector<DocumentItem> items;
+        for (int i = number(6); i >= 0; --i)
+            items.push_back(newItem());
+        m_model.addItems(trackId, items);
+    }
+    void removeItem()
+    {
+        for (const int id : someItems().mid(0, 3))
+            m_model.removeItem(id);
+    }
+    void removeItems() { m_model.removeItems(someItems()); }
+    void retime()
+    {
+        const int id = anyItem();
+        if (id != -1)
+            m_model.retimeItem(id, time(), newItem().duration);
+    }
+    void shift()
+    {
+        const qint64 offset = time();
+        for (const int id : someItems())
+            m_model.setItemStartTime(id, m_model.item(id)->startTime() + offset);
+    }
+    void resize()
+    {
+        const int id = anyItem();
+        if (id == -1)
+            return;
+        for (int i = number(4); i >= 0; --i) {
+            m_model.setItemDuration(id, number(3) * 1000);
+            m_model.setItemStartTime(id, time());
+        }
+    }
+    void drop()
+    {
+        const int trackId = anyInnerTrack();
+        for (const int id : someItems())
+            m_model.moveItemToTrack(id, trackId, time());
+    }
+    void relabel()
+    {
+        const int id = anyItem();
+        if (id != -1)
+            m_model.setItemLabel(id, QString::number(number(5)));
+    }
+    void describe()
+    {
+        const int id = anyItem();
+        if (id == -1)
+            return;
+        m_model.setItemDescription(id, QString::number(number(5)));
+        m_model.setItemAttributes(id, {{"a", QString::number(number(2))}});
+    }
+    void color() { m_model.setItemsColor(someItems(), anyColor()); }
+    void lock() { m_model.setItemsLocked(someItems(), number(2) == 0); }
+    void copies()
+    {
+        const int trackId = anyTrack();
+        QSet<int> ids;
+        for (const int id : m_model.track(trackId)->itemIds(true, false)) {
+            if (number(2) == 0)
+                ids.insert(id);
+        }
+        m_model.setCopyItemIds(trackId, ids);
+    }
+    void paste()
+    {
+        m_model.copyToClipboard(someItems());
+        m_model.pasteFromClipboard(time());
+    }
+    void cut()
+    {
+        m_model.cutToClipboard(someItems().mid(0, 4));
+        if (number(2) == 0) {
+            try {
+                m_model.pasteFromClipboard(time());
+            } catch (const QString&) {
+                QFAIL("the tracks are still there");
+            }
+        }
+    }
+    void snap() { m_model.setSnapEnabled(!m_model.isSnapEnabled()); }
+    void addDocument()
+    {
+        Document document;
+        document.track({QString("T%1").arg(number(50)), "below"}).items = {newItem(), newItem()};
+        document.track({"T1"}).color = anyColor();
+        if (countTracks(*m_model.rootTrack()) < 20)
+            m_model.addDocument(document);
+    }
+
+    Model& m_model;
+    QRandomGenerator m_random;
+};
+
+// A (a0 0+10, a1 5+10, a2 5+20), A > B (b 100+10), C (c 7+0)
+Document sampleDocument()
+{
+    Document document;
+    document.track({"A"}).items = {{"a0", 0, 10, {}}, {"a1", 5, 10, {}}, {"a2", 5, 20, {}}};
+    document.track({"A", "B"}).items = {{"b", 100, 10, Qt::red}};
+    document.track({"C"}).items = {{"c", 7, 0, {}}};
+    return document;
+}
+
+QStringList texts(const QUndoStack& stack)
+{
+    QStringList list;
+    for (int i = 0; i < stack.count(); ++i)
+        list.append(stack.text(i));
+    return list;
+}
+
+/// A view with one item of a second's length each half minute, on two tracks, an hour across.
+struct Scene
+{
+    Scene()
+    {
+        Document document;
+        for (int i = 0; i < 10; ++i)
+            document.track({"A"}).items.push_back({QString::number(i), i * 300'000, 120'000, {}});
+        document.track({"B"});
+        view.setModel(&model);
+        view.setItemDelegate(new ItemDelegate(&view));
+        model.setDocument(document);
+        view.setRange(0, 3'600'000);
+        view.resize(1200, 400);
+        view.show();
+        QCoreApplication::processEvents();
+    }
+
+    QPoint at(qint64 time, int row = 0) const
+    {
+        return {view.toPixel(time), view.visualRect(model.index(row, 1)).center().y()};
+    }
+
+    TimelineView view;
+    Model model{&view};
+    QUndoStack& stack = *model.undoStack();
+};
+
+} // namespace
+
+class TestUndo : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(unexpectedWarning); }
+
+    void randomOperationsAreUndoneAndRedoneStepByStep_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 25; ++seed)
+            QTest::addRow("seed %u", seed) << seed;
+    }
+    void randomOperationsAreUndoneAndRedoneStepByStep()
+    {
+        QFETCH(quint32, seed);
+        Model model;
+        model.setDocument(sampleDocument());
+        RandomUser user(model, seed);
+        QUndoStack& stack = *model.undoStack();
+        QStringList states{stateOf(model)};
+        const auto remember = [&] {
+            states.resize(stack.index());
+            states.append(stateOf(model));
+        };
+        const auto compare = [&] {
+            QCOMPARE(stateOf(model), states.at(stack.index()));
+            verifyConsistent(model);
+        };
+        // One act may be several steps, the first of which may become one with that of the act before.
+        bool isActing = false;
+        connect(&stack, &QUndoStack::indexChanged, &model, [&] {
+            if (isActing)
+                remember();
+        });
+        for (int i = 0; i < 60; ++i) {
+            isActing = true;
+            user.act();
+            isActing = false;
+            QCOMPARE(states.size(), stack.count() + 1);
+            // Back and forth in between, the last time with something else done there.
+            for (int back = user.number(6) == 0 ? user.number(5) : 0; back > 0 && stack.canUndo(); --back) {
+                stack.undo();
+                compare();
+            }
+            verifyConsistent(model);
+        }
+        QVERIFY(stack.count() > 10);
+        for (int round = 0; round < 2; ++round) {
+            while (stack.canUndo()) {
+                stack.undo();
+                compare();
+            }
+            while (stack.canRedo()) {
+                stack.redo();
+                compare();
+            }
+        }
+    }
+
+    void everyOperationIsOneStepWithItsText()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        QUndoStack& stack = *model.undoStack();
+        const int added = model.addTrack("New");
+        model.insertTrack(0, 0, "First");
+        model.moveTrack(added, 1, 0);
+        model.renameTrack(added, "Old");
+        model.setTrackColor(added, Qt::blue);
+        model.setCopyItemIds(1, {3});
+        const int item = model.addItem(added, {"x", 5, 6, {}});
+        model.addItems(added, {{"y", 5, 6, {}}, {"z", 5, 6, {}}});
+        model.retimeItem(item, 5, 7);
+        model.retimeItem(item, 6, 7);
+        model.setItemLabel(item, "y");
+        model.setItemDescription(item, "text");
+        model.setItemAttributes(item, {{"a", "b"}});
+        model.setItemColor(item, Qt::green);
+        model.setItemsLocked({0, 1, item}, true);
+        model.setItemLocked(item, false);
+        model.copyToClipboard({item});
+        model.pasteFromClipboard(50);
+        model.cutToClipboard({0, 1});
+        model.removeItems({2, item});
+        model.removeTrack(added);
+        QCOMPARE(texts(stack), (QStringList{"Add track “New”",
+                                            "Add track “First”",
+                                            "Move track “New”",
+                                            "Rename track “New”",
+                                            "Change colour of track “Old”",
+                                            "Change copies on track “A”",
+                                            "Add item",
+                                            "Add 2 items",
+                                            "Resize item",
+                                            "Move item",
+                                            "Rename item",
+                                            "Describe item",
+                                            "Describe item",
+                                            "Change colour of item",
+                                            "Lock 3 items",
+                                            "Unlock item",
+                                            "Paste item",
+                                            "Cut 2 items",
+                                            "Delete 2 items",
+                                            "Delete track “Old”"}));
+    }
+
+    void whatChangesNothingIsNoStepAndTellsNobody()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        QSignalSpy changes(&model, &StandardTimelineModel::itemsChanged);
+        QSignalSpy data(&model, &QAbstractItemModel::dataChanged);
+        model.renameTrack(1, "A");
+        model.setTrackColor(1, QColor());
+        model.moveTrack(1, 0, 0);
+        model.setCopyItemIds(1, {});
+        model.addItems(1, {});
+        model.removeItems({});
+        model.retimeItem(0, 0, 10);
+        model.setItemStartTime(0, 0);
+        model.setItemDuration(0, 10);
+        model.setItemLabel(0, "a0");
+        model.setItemLocked(0, false);
+        model.pasteFromClipboard(7);
+        QCOMPARE(model.undoStack()->count(), 0);
+        QCOMPARE(changes.count(), 0);
+        QCOMPARE(data.count(), 0);
+    }
+
+    void unknownIdsThrowBeforeAnythingHasChanged()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        const QString before = stateOf(model);
+        const QList<std::function<void()>> calls{[&] { model.addTrack("x", 99); },
+                                                 [&] { model.insertTrack(99, 0, "x"); },
+                                                 [&] { model.moveTrack(99, 1, 0); },
+                                                 [&] { model.moveTrack(1, 99, 0); },
+                                                 [&] { model.moveTrack(1, 2, 0); },
+                                                 [&] { model.moveTrack(1, 1, 0); },
+                                                 [&] { model.moveTrack(0, 1, 0); },
+                                                 [&] { model.renameTrack(99, "x"); },
+                                                 [&] { model.renameTrack(0, "x"); },
+                                                 [&] { model.setTrackColor(0, Qt::red); },
+                                                 [&] { model.removeTrack(99); },
+                                                 [&] { model.setCopyItemIds(99, {1}); },
+                                                 [&] {
+                                                     model.addItem(99, {"x", 0, 0, {}});
+                                                 },
+                                                 [&] {
+                                                     model.removeItems({0, 99});
+                                                 },
+                                                 [&] { model.removeItem(99); },
+                                                 [&] { model.retimeItem(99, 0, 0); },
+                                                 [&] {
+                                                     model.setItemsLocked({0, 99}, true);
+                                                 },
+                                                 [&] {
+                                                     model.setItemsColor({0, 99}, Qt::red);
+                                                 },
+                                                 [&] { model.moveItemToTrack(0, 99, 5); },
+                                                 [&] { model.moveItemToTrack(99, 1, 5); }};
+        for (const auto& call : calls)
+            QVERIFY_EXCEPTION_THROWN(call(), QString);
+        QCOMPARE(stateOf(model), before);
+        QCOMPARE(model.undoStack()->count(), 0);
+    }
+
+    void undoBringsBackTheSameObjects()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        const Item* const item = std::as_const(model).item(3);
+        const Track* const track = std::as_const(model).track(2);
+        model.removeTrack(1);
+        QVERIFY_EXCEPTION_THROWN(model.track(2), QString);
+        model.undoStack()->undo();
+        QCOMPARE(std::as_const(model).item(3), item);
+        QCOMPARE(std::as_const(model).track(2), track);
+    }
+
+    void itemsOfOneStartComeBackInTheirOrder()
+    {
+        Model model;
+        Document document;
+        for (int i = 0; i < 6; ++i)
+            document.track({"A"}).items.push_back({QString::number(i), 10, 1, {}});
+        model.setDocument(document);
+        const QString before = stateOf(model);
+        for (const int id : {4, 0, 2}) {
+            model.setItemStartTime(id, 3);
+            model.setItemStartTime(id, 10);
+            model.finishGesture();
+        }
+        const QString after = stateOf(model);
+        QVERIFY(after != before);
+        model.undoStack()->setIndex(0);
+        QCOMPARE(stateOf(model), before);
+        model.undoStack()->setIndex(model.undoStack()->count());
+        QCOMPARE(stateOf(model), after);
+    }
+
+    void bulkAdditionIsOneSignalForEachTrack()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        QSignalSpy data(&model, &QAbstractItemModel::dataChanged);
+        QSignalSpy added(&model, &StandardTimelineModel::itemsAdded);
+        const QVector<int> ids = model.addItems(3, {{"z", 9, 1, {}}, {"x", 7, 1, {}}, {"y", 7, 1, {}}});
+        QCOMPARE(ids, (QVector<int>{7, 5, 6}));
+        QCOMPARE(data.count(), 1);
+        QCOMPARE(data.at(0).at(0).toModelIndex(), model.index(1, 0));
+        QCOMPARE(data.at(0).at(1).toModelIndex(), model.index(1, 1));
+        QCOMPARE(added.count(), 1);
+        QCOMPARE(added.at(0).at(0).value<QVector<int>>(), (QVector<int>{5, 6, 7}));
+        QStringList labels;
+        for (const ItemPtr& item : model.track(3)->items())
+            labels.append(model.itemLabel(item->id()));
+        QCOMPARE(labels, (QStringList{"c", "x", "y", "z"}));
+    }
+
+    void aMovedTrackEmitsTheMoveSignals()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        QSignalSpy moves(&model, &QAbstractItemModel::rowsMoved);
+        model.moveTrack(2, 0, 1);
+        QCOMPARE(moves.count(), 1);
+        QCOMPARE(model.track(2)->parentId(), 0);
+        QCOMPARE(model.rootTrack()->rowOfTrack(2), 1);
+        model.moveTrack(1, 0, 2);
+        QCOMPARE(model.rootTrack()->rowOfTrack(1), 2);
+        model.moveTrack(1, 0, 0);
+        QCOMPARE(model.rootTrack()->rowOfTrack(1), 0);
+        model.undoStack()->setIndex(0);
+        QCOMPARE(moves.count(), 6);
+        QCOMPARE(model.track(2)->parentId(), 1);
+    }
+
+    void copiesGoWithTheirItems()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.setCopyItemIds(1, {0, 3});
+        model.setCopyItemIds(2, {3});
+        const QString before = stateOf(model);
+        model.moveItemToTrack(3, 1, 100);
+        QCOMPARE(model.track(1)->copyItemIds(), (QSet<int>{0, 3}));
+        QCOMPARE(model.track(2)->copyItemIds(), QSet<int>());
+        model.undoStack()->undo();
+        QCOMPARE(stateOf(model), before);
+        model.moveItemToTrack(3, 3, 100);
+        QCOMPARE(model.track(1)->copyItemIds(), QSet<int>{0});
+        model.undoStack()->undo();
+        model.moveTrack(2, 0, 0);
+        QCOMPARE(model.track(1)->copyItemIds(), QSet<int>{0});
+        QCOMPARE(model.track(2)->copyItemIds(), QSet<int>{3});
+        model.undoStack()->undo();
+        model.removeItem(3);
+        QCOMPARE(model.track(1)->copyItemIds(), QSet<int>{0});
+        QCOMPARE(model.track(2)->copyItemIds(), QSet<int>());
+        model.undoStack()->undo();
+        QCOMPARE(stateOf(model), before);
+    }
+
+    void itemsWithoutColourTakeThatOfTheTrackTheyAreOn()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.moveItemToTrack(0, 3, 0);
+        QCOMPARE(model.item(0)->color(), StandardTimelineModel::trackColor(2));
+        model.setTrackColor(3, Qt::black);
+        QCOMPARE(model.item(0)->color(), QColor(Qt::black));
+        model.moveItemToTrack(3, 3, 0);
+        QCOMPARE(model.item(3)->color(), QColor(Qt::red));
+        model.undoStack()->setIndex(0);
+        QCOMPARE(model.item(0)->color(), StandardTimelineModel::trackColor(0));
+    }
+
+    void oneTurnOfTheEventLoopIsOneStep()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        for (const int id : {0, 1, 2})
+            model.setItemStartTime(id, 50);
+        QCOMPARE(texts(*model.undoStack()), QStringList{"Move 3 items"});
+        QCoreApplication::processEvents();
+        model.setItemStartTime(0, 60);
+        QCOMPARE(texts(*model.undoStack()), (QStringList{"Move 3 items", "Move item"}));
+        model.removeItem(0);
+        model.removeItem(1);
+        QCOMPARE(texts(*model.undoStack()), (QStringList{"Move 3 items", "Move item", "Delete 2 items"}));
+    }
+
+    void aSavedStateIsNotMergedInto()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.setItemStartTime(0, 50);
+        model.undoStack()->setClean();
+        model.setItemStartTime(0, 60);
+        QCOMPARE(model.undoStack()->count(), 2);
+        QVERIFY(!model.undoStack()->isClean());
+    }
+
+    void aDocumentAndClearEmptyTheStack()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.removeTrack(1);
+        model.setDocument(sampleDocument());
+        QCOMPARE(model.undoStack()->count(), 0);
+        model.removeTrack(1);
+        model.clear();
+        QCOMPARE(model.undoStack()->count(), 0);
+        QCOMPARE(model.trackCount(), 0);
+    }
+
+    void aPasteThatEndsEarlyCanBeUndone()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.copyToClipboard({0, 4});
+        model.removeTrack(3);
+        const QString before = stateOf(model);
+        QVERIFY_EXCEPTION_THROWN(model.pasteFromClipboard(20), QString);
+        QCOMPARE(model.undoStack()->undoText(), "Paste item");
+        model.undoStack()->undo();
+        QCOMPARE(stateOf(model), before);
+        verifyConsistent(model);
+    }
+
+    void draggingASelectionIsOneStep()
+    {
+        Scene scene;
+        scene.view.selectItems({1, 2, 3}, true);
+        const QString before = stateOf(scene.model);
+        Input::drag(&scene.view, scene.at(360'000), scene.at(420'000));
+        QCOMPARE(texts(scene.stack), QStringList{"Move 3 items"});
+        QVERIFY(scene.model.item(1)->startTime() > 300'000);
+        scene.stack.undo();
+        QCOMPARE(stateOf(scene.model), before);
+        QCOMPARE(scene.model.item(1)->startTime(), 300'000);
+    }
+
+    void twoDragsAreTwoStepsEvenInOneTurn()
+    {
+        Scene scene;
+        Input::drag(&scene.view, scene.at(360'000), scene.at(420'000));
+        Input::drag(&scene.view, scene.at(420'000), scene.at(360'000));
+        QCOMPARE(texts(scene.stack), (QStringList{"Move item", "Move item"}));
+    }
+
+    void aResizeIsOneStepHoweverLongItTakes()
+    {
+        Scene scene;
+        for (const bool atStart : {false, true}) {
+            const QString before = stateOf(scene.model);
+            const QPoint edge = scene.at(atStart ? 300'000 : 420'000) + QPoint(atStart ? 2 : -2, 0);
+            Input::move(&scene.view, edge);
+            Input::press(&scene.view, edge);
+            for (int i = 1; i <= 20; ++i) {
+                Input::move(&scene.view, edge - QPoint(atStart ? i : -i, 0), Qt::LeftButton);
+                QCoreApplication::processEvents();
+            }
+            Input::release(&scene.view, edge);
+            QCOMPARE(texts(scene.stack), QStringList{"Resize item"});
+            QCOMPARE(scene.model.item(1)->startTime() < 300'000, atStart);
+            scene.stack.undo();
+            QCOMPARE(stateOf(scene.model), before);
+        }
+    }
+
+    void twoResizesOfOneItemAreTwoSteps()
+    {
+        Scene scene;
+        for (int i = 0; i < 2; ++i) {
+            const Item& item = *scene.model.item(1);
+            const QPoint edge = scene.at(item.startTime() + item.duration()) - QPoint(2, 0);
+            Input::move(&scene.view, edge);
+            Input::drag(&scene.view, edge, edge + QPoint(12, 0));
+        }
+        QCOMPARE(texts(scene.stack), (QStringList{"Resize item", "Resize item"}));
+    }
+
+    void aResizeBackToWhereItBeganIsNoStep()
+    {
+        Scene scene;
+        const QPoint edge = scene.at(420'000) - QPoint(2, 0);
+        scene.model.setSnapEnabled(true);
+        scene.model.setSnapStep(60'000);
+        Input::move(&scene.view, edge);
+        Input::press(&scene.view, edge);
+        Input::move(&scene.view, scene.at(490'000), Qt::LeftButton);
+        QCOMPARE(scene.stack.count(), 1);
+        Input::move(&scene.view, scene.at(430'000), Qt::LeftButton);
+        QCOMPARE(scene.model.item(1)->duration(), 120'000);
+        QCOMPARE(scene.stack.count(), 0);
+        Input::move(&scene.view, scene.at(490'000), Qt::LeftButton);
+        Input::release(&scene.view, scene.at(490'000));
+        QCOMPARE(texts(scene.stack), QStringList{"Resize item"});
+        scene.stack.undo();
+        QCOMPARE(scene.model.item(1)->duration(), 120'000);
+    }
+
+    void arrowKeysAreOneStepForEachPress()
+    {
+        Scene scene;
+        scene.view.selectItems({1, 2}, true);
+        Input::key(scene.view.viewport(), Qt::Key_Right);
+        Input::key(scene.view.viewport(), Qt::Key_Right);
+        QCOMPARE(texts(scene.stack), (QStringList{"Move 2 items", "Move 2 items"}));
+    }
+
+    void aKeyThatIsHeldIsOneStep()
+    {
+        Scene scene;
+        scene.view.selectItems({1, 2}, true);
+        for (int i = 0; i < 5; ++i) {
+            QKeyEvent event(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, QString(), i > 0);
+            QApplication::sendEvent(&scene.view, &event);
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(texts(scene.stack), QStringList{"Move 2 items"});
+        QCOMPARE(scene.model.item(1)->startTime(), 325'000);
+        scene.stack.undo();
+        QCOMPARE(scene.model.item(1)->startTime(), 300'000);
+    }
+
+    void deletingASelectionIsOneStep()
+    {
+        Scene scene;
+        const QString before = stateOf(scene.model);
+        scene.view.selectItems({7, 1, 2}, true);
+        Input::key(scene.view.viewport(), Qt::Key_Delete);
+        QCOMPARE(texts(scene.stack), QStringList{"Delete 3 items"});
+        scene.stack.undo();
+        QCOMPARE(stateOf(scene.model), before);
+    }
+
+    void cutAndPasteByKeysAreTwoSteps()
+    {
+        Scene scene;
+        const QString before = stateOf(scene.model);
+        scene.view.selectItems({1, 2}, true);
+        Input::key(scene.view.viewport(), Qt::Key_X, Qt::ControlModifier);
+        Input::key(scene.view.viewport(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(texts(scene.stack), (QStringList{"Cut 2 items", "Paste 2 items"}));
+        scene.stack.undo();
+        scene.stack.undo();
+        QCOMPARE(stateOf(scene.model), before);
+        scene.stack.redo();
+        scene.stack.redo();
+        QCOMPARE(scene.model.itemLabel(11), "2");
+    }
+
+    void droppingOnAnotherTrackIsOneStep()
+    {
+        Scene scene;
+        const QString before = stateOf(scene.model);
+        for (const int id : {1, 2, 3})
+            scene.model.moveItemToTrack(id, 2, scene.model.item(id)->startTime());
+        QCOMPARE(texts(scene.stack), QStringList{"Move 3 items"});
+        scene.stack.undo();
+        QCOMPARE(stateOf(scene.model), before);
+    }
+
+    void contentsChangedBehindTheStacksBackDoNoHarm()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.setItemStartTime(0, 50);
+        static_cast<TimelineModel&>(model).clear();
+        model.undoStack()->undo();
+        QVERIFY(!model.undoStack()->canRedo());
+        QCOMPARE(model.trackCount(), 0);
+    }
+};
+
+QTEST_MAIN(TestUndo)
+#include "tst_undo.moc"
