@@ -30,9 +30,11 @@ LoadedFiles loadFiles(const QStringList& fileNames, const DocumentFormat* format
         const Result<Document> result = fileFormat.read(fileName, partOf(options, i, fileNames.size()));
         if (fileFormat.isStretched)
             loaded.stretch = options.stretch;
-        if (result)
+        if (result) {
             loaded.document.merge(result.value());
-        else
+            for (const QString& warning : result.value().longItemWarnings())
+                loaded.document.addWarning(warning);
+        } else
             loaded.refusals.append(result.error());
     }
     if (!loaded.refusals.isEmpty())

@@ -110,6 +110,9 @@ void MainWindow::createTimeline()
     connect(view(), &TimelineView::zoomChanged, this, &MainWindow::updateRulerFormat);
     connect(m_model.get(), &QAbstractItemModel::rowsInserted, this, &MainWindow::updateStatus);
     connect(m_model.get(), &QAbstractItemModel::rowsRemoved, this, &MainWindow::forgetRemovedItems);
+    connect(m_model.get(), &StandardTimelineModel::itemsAdded, this, &MainWindow::updateStatus);
+    connect(m_model.get(), &StandardTimelineModel::itemsRemoved, this, &MainWindow::forgetRemovedItems);
+    connect(m_model.get(), &StandardTimelineModel::itemsChanged, this, &MainWindow::updateStatus);
 }
 
 QList<FileError> MainWindow::openFiles(const QStringList& fileNames, const DocumentFormat* format)

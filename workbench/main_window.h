@@ -57,6 +57,7 @@ private:
     VeskTimeline::TimelineView* view() const;
     void createTimeline();
     void createActions();
+    void addUndoActions(QToolBar* bar);
     void createStatusBar();
     QAction* addToolBarAction(QToolBar* bar, const QString& iconName, const QString& text,
                               const QKeySequence& shortcut);

@@ -12,6 +12,8 @@
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QToolButton>
+#include <QUndoStack>
 
 namespace Workbench {
 
@@ -57,6 +59,8 @@ void MainWindow::createActions()
 
     connect(add("open", tr("Open…"), QKeySequence::Open), &QAction::triggered, this, &MainWindow::askForFiles);
     bar->addSeparator();
+    addUndoActions(bar);
+    bar->addSeparator();
     connect(add("pnx_zoom_in", tr("Zoom in"), QKeySequence::ZoomIn), &QAction::triggered, m_timeline,
             &TimelineWidget::onZoomIn);
     connect(add("pnx_zoom_out", tr("Zoom out"), QKeySequence::ZoomOut), &QAction::triggered, m_timeline,
@@ -76,6 +80,25 @@ void MainWindow::createActions()
     snap->setCheckable(true);
     snap->setChecked(m_timeline->isSnapEnabled());
     connect(snap, &QAction::toggled, m_timeline, &TimelineWidget::setSnapEnabled);
+}
+
+// Their texts name what they would undo; on the bar, where they would push the others about, the icons say enough.
+void MainWindow::addUndoActions(QToolBar* bar)
+{
+    QUndoStack* const stack = m_model->undoStack();
+    QAction* const undo = stack->createUndoAction(bar, tr("Undo"));
+    undo->setObjectName(QStringLiteral("undo"));
+    undo->setIcon(icon(QStringLiteral("undo")));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction* const redo = stack->createRedoAction(bar, tr("Redo"));
+    redo->setObjectName(QStringLiteral("redo"));
+    redo->setIcon(icon(QStringLiteral("redo")));
+    redo->setShortcut(QKeySequence::Redo);
+    for (QAction* const action : {undo, redo}) {
+        bar->addAction(action);
+        if (auto* const button = qobject_cast<QToolButton*>(bar->widgetForAction(action)))
+            button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    }
 }
 
 void MainWindow::createStatusBar()

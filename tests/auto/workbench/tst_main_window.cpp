@@ -68,6 +68,26 @@ private Q_SLOTS:
         QVERIFY(m_dir.isValid());
     }
 
+    void whatIsDeletedComesBackWithUndo()
+    {
+        MainWindow window;
+        QCOMPARE(texts(window.openFiles({sample})), QStringList());
+        auto* const undo = window.findChild<QAction*>("undo");
+        auto* const redo = window.findChild<QAction*>("redo");
+        QVERIFY(undo && redo);
+        QVERIFY(!undo->isEnabled() && !redo->isEnabled());
+
+        window.timeline()->view()->selectAllItems();
+        QTest::keyClick(window.timeline()->view(), Qt::Key_Delete);
+        QCOMPARE(window.model()->itemIds().size(), 0);
+        QVERIFY(undo->isEnabled());
+        undo->trigger();
+        QCOMPARE(window.model()->itemIds().size(), 105);
+        QVERIFY(!undo->isEnabled());
+        redo->trigger();
+        QCOMPARE(window.model()->itemIds().size(), 0);
+    }
+
     void anEmptyWindowShowsToday()
     {
         MainWindow window;
