@@ -177,7 +177,7 @@ std::optional<QStringList> icsJsonList(const QByteArray& value)
         return std::nullopt;
     QStringList entries;
     const QJsonArray array = json.array();
-    for (const QJsonValue& entry : array) {
+    for (const auto& entry : array) {
         if (!entry.isString())
             return std::nullopt;
         entries.append(entry.toString());

@@ -162,7 +162,7 @@ void EventWriter::addUid()
         m_generated.append("UID");
         return;
     }
-    const QString uid = *found;
+    const QString& uid = *found;
     if (!uid.isEmpty() && survives(uid) && m_uids.take(uid)) {
         add("UID", icsEscaped(uid));
         m_attributes.remove(name);
