@@ -394,8 +394,9 @@ void TimelineHeaderView::wheelEvent(QWheelEvent* event)
 bool TimelineHeaderView::viewportEvent(QEvent* event)
 {
     // The base class would hand the wheel on to the rows, which take its position for one of theirs.
-    return event->type() == QEvent::Wheel ? QAbstractScrollArea::viewportEvent(event)
-                                          : QHeaderView::viewportEvent(event);
+    if (event->type() == QEvent::Wheel)
+        return QAbstractScrollArea::viewportEvent(event); // NOLINT(bugprone-parent-virtual-call): as said above
+    return QHeaderView::viewportEvent(event);
 }
 
 void TimelineHeaderView::repaintRuler()

@@ -61,10 +61,11 @@ void TraceDocumentBuilder::addEvent(TraceEvent event)
 
     const std::size_t group = m_layout.groupIndex(event.process, TraceGroup::Kind::Thread, event.thread);
     const double time = *event.time;
+    const bool isBegin = event.phase == 'B';
     if (event.phase == 'X')
         addComplete(group, std::move(event));
     else if (isOneOf(event.phase, "BE"))
-        addMark(QStringLiteral("thread %1").arg(group), group, event.phase == 'B', std::move(event));
+        addMark(QStringLiteral("thread %1").arg(group), group, isBegin, std::move(event));
     else
         addSlice(group, std::move(event), time);
 }
@@ -91,7 +92,8 @@ void TraceDocumentBuilder::addAsync(TraceEvent event)
     }
     const QString kind = isOneOf(event.phase, "be") ? QStringLiteral("nestable") : QStringLiteral("async");
     const QString key = QStringList{kind, category, event.asyncId, event.name}.join(separator);
-    addMark(key, group, isOneOf(event.phase, "bS"), std::move(event));
+    const bool isBegin = isOneOf(event.phase, "bS");
+    addMark(key, group, isBegin, std::move(event));
 }
 
 void TraceDocumentBuilder::addSlice(std::size_t group, TraceEvent event, double end)

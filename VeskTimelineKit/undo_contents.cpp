@@ -218,8 +218,9 @@ void ModelContents::moveTrack(int trackId, const TrackPlace& place)
 TrackDetails ModelContents::trackDetails(int trackId) const
 {
     const Track& track = *std::as_const(m_model).track(trackId);
+    const QString text = track.text();
     const auto* const standard = dynamic_cast<const StandardTrack*>(&track);
-    return standard ? standard->details() : TrackDetails{track.text(), {}};
+    return standard ? standard->details() : TrackDetails{text, {}};
 }
 
 void ModelContents::setTrackDetails(int trackId, const TrackDetails& details)

@@ -70,11 +70,10 @@ int saveScreenshot(QWidget& window, const QString& output)
     QCoreApplication::processEvents();
     QSaveFile file(output);
     QImageWriter writer(&file, "png");
-    if (!file.open(QIODevice::WriteOnly))
-        report({FileError{output, 0, file.errorString()}});
-    else if (!writer.write(window.grab().toImage()))
+    const bool isOpen = file.open(QIODevice::WriteOnly);
+    if (isOpen && !writer.write(window.grab().toImage()))
         report({FileError{output, 0, writer.errorString()}});
-    else if (!file.commit())
+    else if (!isOpen || !file.commit())
         report({FileError{output, 0, file.errorString()}});
     else
         return Done;
