@@ -1,3 +1,4 @@
+#include "bounded_line_p.h"
 #include "ics_line_reader_p.h"
 
 #include <QIODevice>
@@ -38,7 +39,7 @@ IcsLineReader::IcsLineReader(QIODevice& device) : m_device(device), m_size(devic
 
 void IcsLineReader::readAhead()
 {
-    m_ahead = m_device.readLine(longestLine + 1);
+    m_ahead = readBoundedLine(m_device, longestLine + 1);
     m_hasAhead = !m_ahead.isEmpty();
     m_done += m_ahead.size();
     m_isAheadTooLong = m_ahead.size() >= longestLine;

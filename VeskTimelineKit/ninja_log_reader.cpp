@@ -1,3 +1,4 @@
+#include "bounded_line_p.h"
 #include "kit_tr_p.h"
 #include "lane_packer_p.h"
 #include "quoted_text_p.h"
@@ -208,12 +209,12 @@ struct LogLine
 /// Nothing at the end. Of a line that is longer than any log has, the rest is passed over.
 std::optional<LogLine> nextLine(QIODevice& device)
 {
-    LogLine line{device.readLine(longestLine)};
+    LogLine line{readBoundedLine(device, longestLine)};
     if (line.text.isEmpty())
         return std::nullopt;
     line.isTooLong = line.text.size() >= longestLine - 1 && !line.text.endsWith('\n');
     for (QByteArray rest = line.text; line.isTooLong && !rest.isEmpty() && !rest.endsWith('\n');)
-        rest = device.readLine(longestLine);
+        rest = readBoundedLine(device, longestLine);
     while (line.text.endsWith('\n') || line.text.endsWith('\r'))
         line.text.chop(1);
     return line;
