@@ -393,9 +393,9 @@ void TimelineHeaderView::wheelEvent(QWheelEvent* event)
 
 bool TimelineHeaderView::viewportEvent(QEvent* event)
 {
-    // The base class would hand the wheel on to the rows, which take its position for one of theirs.
+    // The base class would hand the wheel on to the rows, which take its position for one of theirs: it is passed over.
     if (event->type() == QEvent::Wheel)
-        return QAbstractScrollArea::viewportEvent(event); // NOLINT(bugprone-parent-virtual-call): as said above
+        return QAbstractScrollArea::viewportEvent(event); // NOLINT(bugprone-parent-virtual-call): passes the base over
     return QHeaderView::viewportEvent(event);
 }
 
