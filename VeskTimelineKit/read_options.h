@@ -1,5 +1,6 @@
 #pragma once
 
+#include <VeskTimelineKit/csv_options.h>
 #include <VeskTimelineKit/document.h>
 
 #include <functional>
@@ -18,6 +19,8 @@ struct ReadOptions
     /// Calendars: occurrences of recurring events are made within this span; without, from the first event to two years
     /// after the last one that has a date.
     std::optional<TimeSpan> expand;
+    /// Comma-separated values: what is said about the file; the rest is detected.
+    CsvOptions csv;
 };
 
 /// The reason of a file error when reading was cancelled, translated.

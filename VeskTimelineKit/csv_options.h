@@ -1,0 +1,47 @@
+#pragma once
+
+#include <VeskTimelineKit/vesktimelinekit_export.h>
+
+#include <QByteArray>
+#include <QChar>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace VeskTimeline::Kit {
+
+/// What a column of comma-separated values can be for an item.
+enum class CsvField { Track, Label, Start, End, Duration, Color, Editable, Description };
+
+/// How the bytes of a text file stand for characters. A byte order mark counts more than what is said.
+enum class CsvEncoding { Utf8, Utf16, Windows1252, Latin1 };
+
+/// What plain numbers in columns of times and durations count.
+enum class CsvTimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
+
+/// How a file of comma-separated values is to be understood. What is not set is detected.
+struct CsvOptions
+{
+    /// The names of the columns, as the header line has them, that make up each field. Fields that are not here are
+    /// detected. Several columns: of Track, the levels of its path from the top; of all others, joined by blanks (a
+    /// column of dates and one of times of day make a start).
+    QMap<CsvField, QStringList> columns = {};
+    std::optional<QChar> delimiter = {};
+    std::optional<QChar> decimalPoint = {}; ///< of numbers and of fractions of seconds: '.' or ','
+    std::optional<CsvEncoding> encoding = {};
+    std::optional<CsvTimeUnit> timeUnit = {};
+    QString dateFormat = {};  ///< a pattern as QDateTime::fromString() takes it; null: detect
+    QByteArray timeZone = {}; ///< IANA id of times that are written without a zone; null: UTC
+
+    friend bool operator==(const CsvOptions& left, const CsvOptions& right)
+    {
+        return left.columns == right.columns && left.delimiter == right.delimiter &&
+               left.decimalPoint == right.decimalPoint && left.encoding == right.encoding &&
+               left.timeUnit == right.timeUnit && left.dateFormat == right.dateFormat &&
+               left.timeZone == right.timeZone;
+    }
+};
+
+} // namespace VeskTimeline::Kit
