@@ -1,6 +1,7 @@
 #include "icons.h"
 
 #include <QDir>
+#include <QFile>
 
 // The macro declares a function of the global namespace.
 static void initResources()
@@ -16,6 +17,11 @@ void registerIcons()
     const QString prefix = QStringLiteral("icon");
     if (QDir::searchPaths(prefix).isEmpty())
         QDir::addSearchPath(prefix, QStringLiteral(":/icons"));
+}
+
+bool hasIcon(const QString& name)
+{
+    return QFile::exists(QStringLiteral("icon:%1.svg").arg(name));
 }
 
 QIcon icon(const QString& name)

@@ -12,4 +12,7 @@ void registerIcons();
 /// The icon "icon:NAME.svg". All of them are readable on light and on dark ground.
 QIcon icon(const QString& name);
 
+/// Whether there is a drawing of that name.
+bool hasIcon(const QString& name);
+
 } // namespace Workbench

@@ -75,7 +75,12 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_stretches(today
     setWindowIcon(icon(QStringLiteral("vesk_timeline_workbench")));
     createTimeline();
     createStatusBar();
-    createActions();
+    createFileMenu();
+    createEditMenu();
+    createNavigateMenu();
+    createViewMenu();
+    createHelpMenu();
+    createToolBar();
     resize(startSize);
     showDocument(Document(), {});
 }

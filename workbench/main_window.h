@@ -13,6 +13,7 @@
 
 class QAction;
 class QLabel;
+class QMenu;
 
 namespace VeskTimeline {
 class TimelineView;
@@ -56,11 +57,18 @@ public:
 private:
     VeskTimeline::TimelineView* view() const;
     void createTimeline();
-    void createActions();
-    void addUndoActions(QToolBar* bar);
     void createStatusBar();
-    QAction* addToolBarAction(QToolBar* bar, const QString& iconName, const QString& text,
-                              const QKeySequence& shortcut);
+
+    // Each menu has a file of its own.
+    void createFileMenu();
+    void createEditMenu();
+    void createNavigateMenu();
+    void createViewMenu();
+    void createHelpMenu();
+    void addUndoActions(QMenu* menu);
+    void createToolBar();
+    /// @param name of the action as an object and of its icon, if there is one
+    QAction* addMenuAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& shortcut = {});
 
     void askForFiles();
     void fitNameColumn();
