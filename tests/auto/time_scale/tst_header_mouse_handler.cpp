@@ -1,5 +1,5 @@
-#include "held_modifiers.h"
 #include "member_layout.h"
+#include "support/held_modifiers.h"
 #include "support/input.h"
 #include "support/view_fixture.h"
 

@@ -1,5 +1,5 @@
-#include "auto/view/held_modifiers.h"
 #include "auto/view/recording_handlers.h"
+#include "support/held_modifiers.h"
 #include "support/input.h"
 
 #include <QRegularExpression>

@@ -1,16 +1,21 @@
 #pragma once
 
-#include <QKeyEvent>
 #include <QTest>
+#include <QWidget>
 #include <QWindow>
 
-/// Keyboard modifiers held down, as the platform knows it, for as long as this lives.
+/// Holds modifier keys down while it lives: pressed at the widget's window, the way the platform reports keys, so that
+/// whoever asks the application for the keyboard's state is told of them.
 class HeldModifiers
 {
 public:
     HeldModifiers(QWindow* window, Qt::KeyboardModifiers modifiers) : m_window(window)
     {
         QTest::keyPress(m_window, Qt::Key_Control, modifiers);
+    }
+    HeldModifiers(const QWidget* widget, Qt::KeyboardModifiers modifiers)
+        : HeldModifiers(widget->window()->windowHandle(), modifiers)
+    {
     }
     HeldModifiers(const HeldModifiers&) = delete;
     HeldModifiers& operator=(const HeldModifiers&) = delete;
