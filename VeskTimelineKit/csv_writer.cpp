@@ -1,8 +1,8 @@
+#include "write_file_p.h"
+
 #include <VeskTimelineKit/csv_writer.h>
 #include <VeskTimelineKit/time_text.h>
 #include <VeskTimelineKit/track_path.h>
-
-#include <QSaveFile>
 
 #include <algorithm>
 #include <csv.h>
@@ -65,13 +65,12 @@ QByteArray csvText(const Document& document)
     return text;
 }
 
-std::optional<FileError> writeCsv(const Document& document, const QString& fileName)
+WriteResult writeCsv(const Document& document, const QString& fileName, const WriteOptions& /*options*/)
 {
-    QSaveFile file(fileName);
-    const QByteArray text = csvText(document);
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-        return std::nullopt;
-    return FileError{fileName, 0, file.errorString()};
+    return writeFile(fileName, [&](QIODevice& device) {
+        device.write(csvText(document));
+        return QStringList();
+    });
 }
 
 } // namespace VeskTimeline::Kit

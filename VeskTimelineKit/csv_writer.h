@@ -1,11 +1,9 @@
 #pragma once
 
 #include <VeskTimelineKit/document.h>
-#include <VeskTimelineKit/result.h>
+#include <VeskTimelineKit/write_options.h>
 
 #include <QByteArray>
-
-#include <optional>
 
 namespace VeskTimeline::Kit {
 
@@ -15,7 +13,7 @@ namespace VeskTimeline::Kit {
 VESKTIMELINEKIT_EXPORT QByteArray csvText(const Document& document);
 
 /// Writes csvText() to a file, whole or not at all: a file that was there before stays as it was when writing fails.
-/// @return why it failed; nothing on success
-VESKTIMELINEKIT_EXPORT std::optional<FileError> writeCsv(const Document& document, const QString& fileName);
+VESKTIMELINEKIT_EXPORT WriteResult writeCsv(const Document& document, const QString& fileName,
+                                            const WriteOptions& options = {});
 
 } // namespace VeskTimeline::Kit

@@ -116,6 +116,11 @@ QString cancelledReason()
     return Tr::tr("reading was cancelled");
 }
 
+QString writingCancelledReason()
+{
+    return Tr::tr("writing was cancelled");
+}
+
 const std::vector<DocumentFormat>& documentFormats()
 {
     static const std::vector<DocumentFormat> formats = makeFormats();

@@ -3,8 +3,8 @@
 #include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/read_options.h>
 #include <VeskTimelineKit/result.h>
+#include <VeskTimelineKit/write_options.h>
 
-#include <optional>
 #include <vector>
 
 namespace VeskTimeline::Kit {
@@ -17,7 +17,7 @@ struct DocumentFormat
     QStringList suffixes; ///< of file names, without the first dot, lower case; formats may share one
     Result<Document> (*read)(const QString& fileName, const ReadOptions& options) = nullptr;
     /// Null for a format that is only read.
-    std::optional<FileError> (*write)(const Document& document, const QString& fileName) = nullptr;
+    WriteResult (*write)(const Document& document, const QString& fileName, const WriteOptions& options) = nullptr;
     /// Whether a file that begins with these bytes looks like one of the format. Null where that cannot be told.
     bool (*isContent)(const QByteArray& head) = nullptr;
     bool isStretched = false; ///< whether ReadOptions::stretch applies

@@ -3,11 +3,11 @@
 #include "ics_time_p.h"
 #include "kit_tr_p.h"
 #include "time_limits_p.h"
+#include "write_file_p.h"
 
 #include <VeskTimelineKit/ics_writer.h>
 
 #include <QCryptographicHash>
-#include <QSaveFile>
 #include <QSet>
 
 #include <algorithm>
@@ -306,8 +306,9 @@ QByteArray calendarHead()
 class CalendarWriter
 {
 public:
-    CalendarWriter(const Document& document, const DocumentTrack& top, UidMaker& uids, const QByteArray& stamp)
-        : m_document(document), m_top(top), m_uids(uids), m_stamp(stamp)
+    CalendarWriter(const Document& document, const DocumentTrack& top, UidMaker& uids, const QByteArray& stamp,
+                   WriteProgress& progress)
+        : m_document(document), m_top(top), m_uids(uids), m_stamp(stamp), m_progress(progress)
     {
     }
 
@@ -347,6 +348,7 @@ private:
             if (!isWithinTimeLimits(item.start) || !isWithinTimeLimits(item.end()))
                 throw Tr::tr("the item \"%1\" is outside the years 1 to 9999").arg(item.label.simplified());
             text += EventWriter(item, track.path, m_uids, m_stamp).text();
+            m_progress.itemIsDone();
         }
         return text;
     }
@@ -355,38 +357,42 @@ private:
     const DocumentTrack& m_top;
     UidMaker& m_uids;
     const QByteArray& m_stamp;
+    WriteProgress& m_progress;
 };
+
+// Throws QString the reason why it cannot be written.
+QByteArray calendarsText(const Document& document, const QDateTime& stamp, const WriteOptions& options)
+{
+    if (document.tracks().empty())
+        return calendarHead() + IcsNames::track + ":[]\r\nEND:VCALENDAR\r\n";
+    WriteProgress progress(options, document);
+    UidMaker uids(document);
+    const QByteArray stampText = icsTimeText(stamp.toMSecsSinceEpoch());
+    QByteArray text;
+    for (const DocumentTrack& track : document.tracks()) {
+        if (track.path.size() == 1)
+            text += CalendarWriter(document, track, uids, stampText, progress).text();
+    }
+    return text;
+}
 
 } // namespace
 
 std::variant<QByteArray, QString> icsText(const Document& document, const QDateTime& stamp)
 {
-    if (document.tracks().empty())
-        return calendarHead() + IcsNames::track + ":[]\r\nEND:VCALENDAR\r\n";
-    UidMaker uids(document);
-    const QByteArray stampText = icsTimeText(stamp.toMSecsSinceEpoch());
-    QByteArray text;
     try {
-        for (const DocumentTrack& track : document.tracks()) {
-            if (track.path.size() == 1)
-                text += CalendarWriter(document, track, uids, stampText).text();
-        }
+        return calendarsText(document, stamp, {});
     } catch (const QString& reason) {
         return reason;
     }
-    return text;
 }
 
-std::optional<FileError> writeIcs(const Document& document, const QString& fileName)
+WriteResult writeIcs(const Document& document, const QString& fileName, const WriteOptions& options)
 {
-    const auto result = icsText(document, QDateTime::currentDateTimeUtc());
-    if (const QString* reason = std::get_if<QString>(&result))
-        return FileError{fileName, 0, *reason};
-    const QByteArray& text = std::get<QByteArray>(result);
-    QSaveFile file(fileName);
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-        return std::nullopt;
-    return FileError{fileName, 0, file.errorString()};
+    return writeFile(fileName, [&](QIODevice& device) {
+        device.write(calendarsText(document, QDateTime::currentDateTimeUtc(), options));
+        return QStringList();
+    });
 }
 
 } // namespace VeskTimeline::Kit

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <VeskTimelineKit/document.h>
-#include <VeskTimelineKit/result.h>
+#include <VeskTimelineKit/write_options.h>
 
 #include <QByteArray>
 #include <QDateTime>
 
-#include <optional>
 #include <variant>
 
 namespace VeskTimeline::Kit {
@@ -20,8 +19,9 @@ namespace VeskTimeline::Kit {
 /// names, and all others properties of our own. readIcs() reads tracks, items and colours back as they were; of tracks
 /// of the top level whose children are listed after other tracks of the top level the order changes.
 /// Warnings are lost.
-/// @return why it failed; nothing on success. A time outside the years 1 to 9999 is a reason.
-VESKTIMELINEKIT_EXPORT std::optional<FileError> writeIcs(const Document& document, const QString& fileName);
+/// A time outside the years 1 to 9999 is a reason not to write.
+VESKTIMELINEKIT_EXPORT WriteResult writeIcs(const Document& document, const QString& fileName,
+                                            const WriteOptions& options = {});
 
 /// What writeIcs() writes, or a reason, translated.
 /// @param stamp when the events are said to be written, DTSTAMP

@@ -1,9 +1,9 @@
 #include "vtl_format_p.h"
+#include "write_file_p.h"
 
 #include <VeskTimelineKit/vtl_writer.h>
 
 #include <QBuffer>
-#include <QSaveFile>
 
 namespace VeskTimeline::Kit {
 
@@ -116,8 +116,9 @@ private:
 };
 
 // Whether all was written is known to the device in the end.
-void write(QIODevice& device, const Document& document)
+void write(QIODevice& device, const Document& document, const WriteOptions& options)
 {
+    WriteProgress progress(options, document);
     device.write(QByteArray("{\n\"format\": \"") + vtlFormatMark +
                  "\",\n\"version\": " + QByteArray::number(vtlVersion) + ",\n");
     ListWriter tracks(device, "tracks");
@@ -127,8 +128,10 @@ void write(QIODevice& device, const Document& document)
 
     ListWriter items(device, "items");
     for (std::size_t track = 0; track < document.tracks().size(); ++track) {
-        for (const DocumentItem& item : document.tracks()[track].items)
+        for (const DocumentItem& item : document.tracks()[track].items) {
             items.add(itemLine(track, item));
+            progress.itemIsDone();
+        }
     }
     items.close("\n}");
 }
@@ -139,20 +142,16 @@ QByteArray vtlText(const Document& document)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    write(buffer, document);
+    write(buffer, document, {});
     return buffer.data();
 }
 
-std::optional<FileError> writeVtl(const Document& document, const QString& fileName)
+WriteResult writeVtl(const Document& document, const QString& fileName, const WriteOptions& options)
 {
-    QSaveFile file(fileName);
-    if (file.open(QIODevice::WriteOnly)) {
-        write(file, document);
-        // After a failed write there is nothing to commit.
-        if (file.commit())
-            return std::nullopt;
-    }
-    return FileError{fileName, 0, file.errorString()};
+    return writeFile(fileName, [&](QIODevice& device) {
+        write(device, document, options);
+        return QStringList();
+    });
 }
 
 } // namespace VeskTimeline::Kit

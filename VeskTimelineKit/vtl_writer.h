@@ -1,11 +1,9 @@
 #pragma once
 
 #include <VeskTimelineKit/document.h>
-#include <VeskTimelineKit/result.h>
+#include <VeskTimelineKit/write_options.h>
 
 #include <QByteArray>
-
-#include <optional>
 
 namespace VeskTimeline::Kit {
 
@@ -14,6 +12,8 @@ namespace VeskTimeline::Kit {
 VESKTIMELINEKIT_EXPORT QByteArray vtlText(const Document& document);
 
 /// Writes vtlText() to a file, in place of what is there: wholly or, with an error, not at all.
-VESKTIMELINEKIT_EXPORT std::optional<FileError> writeVtl(const Document& document, const QString& fileName);
+/// Nothing is lost, so there are never warnings.
+VESKTIMELINEKIT_EXPORT WriteResult writeVtl(const Document& document, const QString& fileName,
+                                            const WriteOptions& options = {});
 
 } // namespace VeskTimeline::Kit

@@ -51,14 +51,21 @@ QString infoText(const Document& document)
     return QString::fromUtf8(QJsonDocument(info).toJson(QJsonDocument::Compact)) + u'\n';
 }
 
+void warn(const QStringList& warnings)
+{
+    for (const QString& warning : warnings)
+        print(stderr, QCoreApplication::translate("Commands", "warning: %1").arg(warning) + u'\n');
+}
+
 int convert(const Document& document, const QString& output)
 {
-    for (const QString& warning : document.warnings())
-        print(stderr, QCoreApplication::translate("Commands", "warning: %1").arg(warning) + u'\n');
-    const std::optional<FileError> error = documentFormatBySuffix(output)->write(document, output);
-    if (!error)
+    warn(document.warnings());
+    const WriteResult result = documentFormatBySuffix(output)->write(document, output, {});
+    if (result) {
+        warn(result.value());
         return Done;
-    report({*error});
+    }
+    report({result.error()});
     return FileRefused;
 }
 

@@ -325,9 +325,9 @@ private Q_SLOTS:
         const QString fileName = dir.filePath("out.ics");
         for (const DocumentItem& item : {DocumentItem{"x", -62'135'596'800'001, 0, {}, true, {}, {}},
                                          DocumentItem{"x", 253'402'300'799'999, 1, {}, true, {}, {}}}) {
-            const auto error = writeIcs(documentOf(item), fileName);
-            QVERIFY(error);
-            QCOMPARE(error->text(), fileName + ": the item \"x\" is outside the years 1 to 9999");
+            const WriteResult result = writeIcs(documentOf(item), fileName);
+            QVERIFY(!result);
+            QCOMPARE(result.error().text(), fileName + ": the item \"x\" is outside the years 1 to 9999");
             QVERIFY(!QFile::exists(fileName));
         }
     }
@@ -341,18 +341,43 @@ private Q_SLOTS:
         old.write("old");
         old.close();
         const Document document = documentOf({"x", 0, 0, {}, true, {}, {{"DTSTAMP", "20010203T040506Z"}}});
-        QVERIFY(!writeIcs(document, fileName));
+        const WriteResult result = writeIcs(document, fileName);
+        QVERIFY(result);
+        QCOMPARE(result.value(), QStringList());
         QCOMPARE(content(fileName), text(document));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.ics"});
+    }
+
+    void aCancelledWriteKeepsTheOldFile()
+    {
+        QTemporaryDir dir;
+        const QString fileName = dir.filePath("out.ics");
+        QFile old(fileName);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("old");
+        old.close();
+        Document document;
+        document.track({"A"}).items = {{"x", 0, 1, {}, true, {}, {}}, {"y", 2, 1, {}, true, {}, {}}};
+        double reached = 0.0;
+        const WriteResult result = writeIcs(document, fileName, {[&](double share) {
+                                                reached = share;
+                                                return false;
+                                            }});
+        QVERIFY(!result);
+        QCOMPARE(result.error().text(), fileName + ": writing was cancelled");
+        QCOMPARE(reached, 0.5);
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("old"));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QFileInfo(fileName).fileName()});
     }
 
     void whatCannotBeWrittenIsReported()
     {
         QTemporaryDir dir;
         const QString fileName = dir.filePath("no/such/out.ics");
-        const auto error = writeIcs({}, fileName);
-        QVERIFY(error);
-        QCOMPARE(error->text(), fileName + ": No such file or directory");
+        const WriteResult result = writeIcs({}, fileName);
+        QVERIFY(!result);
+        QCOMPARE(result.error().text(), fileName + ": No such file or directory");
     }
 };
 

@@ -358,18 +358,43 @@ private Q_SLOTS:
         old.close();
 
         const Document document = RandomDocument(1).make();
-        QVERIFY(!writeVtl(document, fileName));
+        const WriteResult written = writeVtl(document, fileName);
+        QVERIFY(written);
+        QCOMPARE(written.value(), QStringList());
         const Result<Document> result = readVtl(fileName, {});
         QVERIFY(result);
         compare(result.value(), document);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.vtl.json"});
     }
 
+    void aCancelledWriteKeepsTheOldFile()
+    {
+        QTemporaryDir dir;
+        const QString fileName = dir.filePath("out.vtl.json");
+        QFile old(fileName);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("old");
+        old.close();
+        Document document;
+        document.track({"A"}).items = {{"x", 0, 1, {}, true, {}, {}}, {"y", 2, 1, {}, true, {}, {}}};
+        double reached = 0.0;
+        const WriteResult result = writeVtl(document, fileName, {[&](double share) {
+                                                reached = share;
+                                                return false;
+                                            }});
+        QVERIFY(!result);
+        QCOMPARE(result.error().text(), fileName + ": writing was cancelled");
+        QCOMPARE(reached, 0.5);
+        QVERIFY(old.open(QIODevice::ReadOnly));
+        QCOMPARE(old.readAll(), QByteArray("old"));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QFileInfo(fileName).fileName()});
+    }
+
     void whatCannotBeReadOrWrittenIsReported()
     {
         QTemporaryDir dir;
         const QString fileName = dir.filePath("no/such/out.vtl.json");
-        QCOMPARE(writeVtl(Document(), fileName)->text(), fileName + ": No such file or directory");
+        QCOMPARE(writeVtl(Document(), fileName).error().text(), fileName + ": No such file or directory");
         QCOMPARE(readVtl(fileName, {}).error().text(), fileName + ": No such file or directory");
         QCOMPARE(readVtl(dir.path(), {}).error().text(), dir.path() + ": is a directory");
         QCOMPARE(readVtl(QString(), {}).error().text(), ": no file name");
