@@ -49,9 +49,10 @@ public:
     /// Owned by the model. Emptied by setDocument() and clear().
     QUndoStack* undoStack() const;
 
-    /// Replaces all tracks and items, in one model reset; ids start again. Times are taken as they are, whether
-    /// snapping is on or not. Every track gets both buttons. The clipboard, which is for the tracks that were, is
-    /// emptied, and so is the undo stack.
+    /// Replaces all tracks and items, in one model reset; ids start again: tracks from 1 and items from 0, in the order
+    /// of the document's tracks and, within a track, by start time, equal ones as they are listed. Times are taken as
+    /// they are, whether snapping is on or not. Every track gets both buttons. The clipboard, which is for the tracks
+    /// that were, is emptied, and so is the undo stack.
     void setDocument(const Document& document);
     /// Adds a document's tracks and items, in one step; a track whose path is there already is used. Times are taken as
     /// they are.
@@ -160,7 +161,6 @@ private:
     friend class ModelContents;
 
     std::unique_ptr<LabelledItem> makeItem(const Track& track, const DocumentItem& source);
-    void makePieces(const Track& track, const DocumentItem& source, Items& items);
     Items makeItems(const Track& track, const std::vector<DocumentItem>& sources, QVector<int>* ids);
     void putNewItems(int trackId, Items&& items);
     int addNewTrack(int parentTrackId, int row, const QString& name, const QColor& color);

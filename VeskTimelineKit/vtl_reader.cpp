@@ -5,6 +5,7 @@
 #include "read_file_p.h"
 #include "time_limits_p.h"
 #include "vtl_format_p.h"
+#include "vtl_members_p.h"
 
 #include <VeskTimelineKit/vtl_reader.h>
 #include <VeskTimelineKit/warnings.h>
@@ -20,19 +21,6 @@ using namespace simdjson;
 namespace {
 
 constexpr qsizetype deepestPath = 100;
-
-QColor colorOf(const QString& text)
-{
-    // Sixteen bits of alpha, red, green and blue each, for the colours that "#AARRGGBB" cannot say.
-    if (text.size() == 17 && text.startsWith(u'#')) {
-        bool isNumber = false;
-        const quint64 value = text.mid(1).toULongLong(&isNumber, 16);
-        const auto channel = [value](int shift) { return static_cast<quint16>(value >> shift & 0xFFFF); };
-        const QRgba64 color = QRgba64::fromRgba64(channel(32), channel(16), channel(0), channel(48));
-        return isNumber ? QColor::fromRgba64(color) : QColor();
-    }
-    return text.startsWith(u'#') && QColor::isValidColorName(text) ? QColor::fromString(text) : QColor();
-}
 
 /// Makes a document of records. The operations throw the reason, a QString, to refuse the text.
 class VtlDocumentBuilder
@@ -52,11 +40,6 @@ private:
     void readVersion(const dom::element& value);
     void readTrack(const dom::element& value);
     void readItem(const dom::element& value);
-    void setMember(DocumentItem& item, std::string_view name, const dom::element& value);
-    static QString textOf(const dom::element& value, std::string_view name);
-    static qint64 wholeNumberOf(const dom::element& value, std::string_view name);
-    static QColor readColor(const dom::element& value);
-    static void setAttributes(DocumentItem& item, const dom::element& value);
     static void checkTimes(const DocumentItem& item);
 
     JsonRecordParser m_parser;
@@ -130,14 +113,14 @@ void VtlDocumentBuilder::readTrack(const dom::element& value)
     QColor color;
     for (const dom::key_value_pair& member : track) {
         if (member.key == "color")
-            color = readColor(member.value);
+            color = vtlColor(member.value);
         else if (member.key != "path")
             m_warnings.add(m_line,
                            Tr::tr("the member %1 of a track is left out").arg(quotedText(jsonText(member.key))));
     }
     QStringList path;
     for (const dom::element& name : names)
-        path.append(textOf(name, "path"));
+        path.append(vtlTextOf(name, "path"));
     // Made up on the way, parents would let a short text grow into a huge tree.
     const bool hasParent = path.size() == 1 || m_known.contains(path.first(path.size() - 1));
     if (!hasParent)
@@ -160,76 +143,19 @@ void VtlDocumentBuilder::readItem(const dom::element& value)
         throw Tr::tr("it has no track");
     if (members["start"].get(startValue) != SUCCESS)
         throw Tr::tr("it has no start");
-    const qint64 track = wholeNumberOf(trackValue, "track");
+    const qint64 track = vtlWholeNumber(trackValue, "track");
     if (track < 0 || track >= static_cast<qint64>(m_paths.size()))
         throw Tr::tr("there is no track %1").arg(track);
 
     DocumentItem item;
     item.duration = DocumentItem::openEnded;
-    for (const dom::key_value_pair& member : members)
-        setMember(item, member.key, member.value);
+    for (const dom::key_value_pair& member : members) {
+        if (member.key != "track" && !setVtlMember(item, member.key, member.value))
+            m_warnings.add(m_line,
+                           Tr::tr("the member %1 of an item is left out").arg(quotedText(jsonText(member.key))));
+    }
     checkTimes(item);
     m_document.track(m_paths[static_cast<std::size_t>(track)]).items.push_back(std::move(item));
-}
-
-void VtlDocumentBuilder::setMember(DocumentItem& item, std::string_view name, const dom::element& value)
-{
-    if (name == "track")
-        return;
-    if (name == "start") {
-        item.start = wholeNumberOf(value, name);
-    } else if (name == "duration") {
-        item.duration = wholeNumberOf(value, name);
-        if (item.duration < 0)
-            throw Tr::tr("the duration is negative");
-    } else if (name == "label") {
-        item.label = textOf(value, name);
-    } else if (name == "description") {
-        item.description = textOf(value, name);
-    } else if (name == "color") {
-        item.color = readColor(value);
-    } else if (name == "editable") {
-        if (value.get(item.isEditable) != SUCCESS)
-            throw Tr::tr("\"editable\" is neither true nor false");
-    } else if (name == "attributes") {
-        setAttributes(item, value);
-    } else {
-        m_warnings.add(m_line, Tr::tr("the member %1 of an item is left out").arg(quotedText(jsonText(name))));
-    }
-}
-
-QString VtlDocumentBuilder::textOf(const dom::element& value, std::string_view name)
-{
-    std::string_view text;
-    if (value.get(text) != SUCCESS)
-        throw Tr::tr("\"%1\" is no text").arg(jsonText(name));
-    return jsonText(text);
-}
-
-qint64 VtlDocumentBuilder::wholeNumberOf(const dom::element& value, std::string_view name)
-{
-    std::int64_t number = 0;
-    if (value.get(number) != SUCCESS)
-        throw Tr::tr("\"%1\" is no whole number, or out of range").arg(jsonText(name));
-    return number;
-}
-
-QColor VtlDocumentBuilder::readColor(const dom::element& value)
-{
-    const QString text = textOf(value, "color");
-    const QColor color = colorOf(text);
-    if (!color.isValid())
-        throw Tr::tr("bad color %1").arg(quotedText(text));
-    return color;
-}
-
-void VtlDocumentBuilder::setAttributes(DocumentItem& item, const dom::element& value)
-{
-    dom::object attributes;
-    if (value.get(attributes) != SUCCESS)
-        throw Tr::tr("\"attributes\" is no object");
-    for (const dom::key_value_pair& attribute : attributes)
-        item.attributes.insert(jsonText(attribute.key), textOf(attribute.value, attribute.key));
 }
 
 void VtlDocumentBuilder::checkTimes(const DocumentItem& item)

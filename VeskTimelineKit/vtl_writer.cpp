@@ -1,4 +1,5 @@
 #include "vtl_format_p.h"
+#include "vtl_members_p.h"
 #include "write_file_p.h"
 
 #include <VeskTimelineKit/vtl_writer.h>
@@ -9,88 +10,26 @@ namespace VeskTimeline::Kit {
 
 namespace {
 
-void appendText(QByteArray& target, const QString& text)
-{
-    constexpr char digits[] = "0123456789abcdef";
-    target += '"';
-    for (const char c : text.toUtf8()) {
-        if (c == '"' || c == '\\')
-            (target += '\\') += c;
-        else if (c == '\n')
-            target += "\\n";
-        else if (c >= 0 && c < ' ')
-            ((target += "\\u00") += digits[c >> 4]) += digits[c & 15];
-        else
-            target += c;
-    }
-    target += '"';
-}
-
-// Eight bits a channel where they are enough; otherwise sixteen, as "#AAAARRRRGGGGBBBB".
-QString colorText(const QColor& color)
-{
-    const QColor rgb = color.toRgb();
-    if (QColor::fromRgba(rgb.rgba()) == rgb)
-        return rgb.name(rgb.alpha() == 255 ? QColor::HexRgb : QColor::HexArgb);
-    const QRgba64 wide = rgb.rgba64();
-    return QStringLiteral("#%1%2%3%4")
-        .arg(wide.alpha(), 4, 16, QLatin1Char('0'))
-        .arg(wide.red(), 4, 16, QLatin1Char('0'))
-        .arg(wide.green(), 4, 16, QLatin1Char('0'))
-        .arg(wide.blue(), 4, 16, QLatin1Char('0'));
-}
-
 QByteArray trackLine(const DocumentTrack& track)
 {
     QByteArray line = "{\"path\":[";
     for (qsizetype level = 0; level < track.path.size(); ++level) {
         if (level > 0)
             line += ',';
-        appendText(line, track.path.at(level));
+        appendVtlText(line, track.path.at(level));
     }
     line += ']';
     if (track.color.isValid()) {
         line += ",\"color\":";
-        appendText(line, colorText(track.color));
+        appendVtlText(line, vtlColorText(track.color));
     }
     return line + '}';
 }
 
-void appendAttributes(QByteArray& line, const QMap<QString, QString>& attributes)
-{
-    char separator = '{';
-    for (auto attribute = attributes.cbegin(); attribute != attributes.cend(); ++attribute) {
-        line += separator;
-        appendText(line, attribute.key());
-        line += ':';
-        appendText(line, attribute.value());
-        separator = ',';
-    }
-    line += '}';
-}
-
 QByteArray itemLine(std::size_t track, const DocumentItem& item)
 {
-    QByteArray line = "{\"track\":" + QByteArray::number(static_cast<qulonglong>(track)) +
-                      ",\"start\":" + QByteArray::number(item.start);
-    if (item.duration != DocumentItem::openEnded)
-        line += ",\"duration\":" + QByteArray::number(item.duration);
-    line += ",\"label\":";
-    appendText(line, item.label);
-    if (item.color.isValid()) {
-        line += ",\"color\":";
-        appendText(line, colorText(item.color));
-    }
-    if (!item.isEditable)
-        line += ",\"editable\":false";
-    if (!item.description.isEmpty()) {
-        line += ",\"description\":";
-        appendText(line, item.description);
-    }
-    if (!item.attributes.isEmpty()) {
-        line += ",\"attributes\":";
-        appendAttributes(line, item.attributes);
-    }
+    QByteArray line = "{\"track\":" + QByteArray::number(static_cast<qulonglong>(track)) + ',';
+    appendVtlMembers(line, item);
     return line + '}';
 }
 
