@@ -1,211 +1,158 @@
-#include "csv_columns_p.h"
-#include "csv_record_reader_p.h"
+#include "csv_item_reader_p.h"
 #include "kit_tr_p.h"
+#include "quoted_text_p.h"
+#include "read_file_p.h"
+#include "read_progress_p.h"
 
 #include <VeskTimelineKit/csv_reader.h>
-#include <VeskTimelineKit/time_text.h>
-#include <VeskTimelineKit/track_path.h>
-
-#include <QFile>
-#include <QFileInfo>
+#include <VeskTimelineKit/warnings.h>
 
 #include <algorithm>
-#include <limits>
 
 namespace VeskTimeline::Kit {
 
 namespace {
 
-constexpr qsizetype deepestPath = 100;
-
-bool areAllEmpty(const QStringList& fields, qsizetype from = 0)
-{
-    return std::all_of(fields.begin() + std::min(from, fields.size()), fields.end(),
-                       [](const QString& field) { return field.isEmpty(); });
-}
-
-// A field's text for a message: on one line, and no longer than a message should be.
-QString quoted(const QString& field)
-{
-    constexpr qsizetype longest = 40;
-    QString text = field.simplified();
-    if (text.size() > longest)
-        text = text.first(longest) + u'…';
-    return u'"' + text + u'"';
-}
-
-/// Makes a document of records. The operations that take a record apart throw the reason, a QString, to refuse it.
-class CsvDocumentBuilder
+/// Reads the records of a file by its plan.
+class CsvDocumentReader
 {
 public:
-    void readHeader(const QStringList& record)
+    CsvDocumentReader(CsvSource& source, const QString& fileName, const ReadOptions& options, ReadProgress& progress)
+        : m_source(source),
+          m_fileName(fileName),
+          m_progress(progress),
+          m_plan(makeCsvPlan(source, options.csv)),
+          m_warnings(fileName)
     {
-        if (const QString reason = m_columns.setHeader(record); !reason.isEmpty())
-            throw reason;
     }
-    void readRecord(const QStringList& record);
-    Document takeDocument(const QString& fileName);
+
+    Result<Document> read()
+    {
+        if (!m_plan.problem.isNull())
+            return FileError{m_fileName, m_plan.problemLine, m_plan.problem};
+        for (const QString& guess : m_plan.guesses)
+            m_warnings.add(0, guess);
+        const QString defaultTrack = csvDefaultTrack(m_fileName);
+        if (!m_plan.columns.has(CsvField::Track))
+            m_warnings.add(
+                0,
+                Tr::tr("there is no column for tracks: all items are in the track %1").arg(quotedText(defaultTrack)));
+        CsvItemReader items(m_plan, defaultTrack);
+        CsvRecordReader records = csvRecords(m_source, m_plan);
+        try {
+            if (std::optional<FileError> error = readRecords(records, items))
+                return *error;
+        } catch (const QString& reason) {
+            return FileError{m_fileName, records.recordLine(), reason};
+        }
+        m_hasEncodingError = records.hasEncodingError();
+        if (!records.errorReason().isNull())
+            return FileError{m_fileName, records.errorLine(), records.errorReason()};
+        return takeDocument(items);
+    }
+
+    /// Whether the file was taken for UTF-8 because it begins so, and then turned out to be none.
+    bool isOtherEncoding(const ReadOptions& options) const
+    {
+        return m_hasEncodingError && !options.csv.encoding && m_plan.code.encoding == CsvEncoding::Utf8 &&
+               m_plan.code.markSize == 0 && !m_plan.isOwnWay();
+    }
 
 private:
-    QString required(const QStringList& record, CsvColumns::Name name) const;
-    QStringList readPath(const QStringList& record) const;
-    qint64 readTime(const QString& text, CsvColumns::Name name);
-    int readDuration(const QStringList& record, qint64 start);
-    static QColor readColor(const QString& text);
-    static bool readEditable(const QString& text);
-
-    CsvColumns m_columns;
-    Document m_document;
-    int m_cutTimes = 0;
-};
-
-void CsvDocumentBuilder::readRecord(const QStringList& record)
-{
-    if (areAllEmpty(record))
-        return;
-    if (!areAllEmpty(record, m_columns.count()))
-        throw Tr::tr("%1 fields, but the header names %2").arg(record.size()).arg(m_columns.count());
-
-    const QStringList path = readPath(record);
-    DocumentItem item;
-    item.label = required(record, CsvColumns::Label);
-    item.start = readTime(required(record, CsvColumns::Start), CsvColumns::Start);
-    item.duration = readDuration(record, item.start);
-    item.color = readColor(m_columns.field(record, CsvColumns::Color).value_or(QString()));
-    item.isEditable = readEditable(m_columns.field(record, CsvColumns::Editable).value_or(QString()));
-    m_document.track(path).items.push_back(std::move(item));
-}
-
-QString CsvDocumentBuilder::required(const QStringList& record, CsvColumns::Name name) const
-{
-    const auto field = m_columns.field(record, name);
-    if (!field)
-        throw Tr::tr("the line ends before its field \"%1\"").arg(CsvColumns::text(name));
-    return *field;
-}
-
-QStringList CsvDocumentBuilder::readPath(const QStringList& record) const
-{
-    const QString text = required(record, CsvColumns::Track);
-    const QStringList path = splitTrackPath(text);
-    if (path.contains(QString()))
-        throw path.size() == 1 ? Tr::tr("the track has no name")
-                               : Tr::tr("a track in the path %1 has no name").arg(quoted(text));
-    if (path.size() > deepestPath)
-        throw Tr::tr("the track is more than %1 levels deep").arg(deepestPath);
-    return path;
-}
-
-qint64 CsvDocumentBuilder::readTime(const QString& text, CsvColumns::Name name)
-{
-    const auto parsed = parseTime(text);
-    if (!parsed)
-        throw Tr::tr("bad %1 %2: neither an ISO 8601 time with its zone nor milliseconds since 1970")
-            .arg(CsvColumns::text(name), quoted(text));
-    m_cutTimes += parsed->isCut ? 1 : 0;
-    return parsed->time;
-}
-
-int CsvDocumentBuilder::readDuration(const QStringList& record, qint64 start)
-{
-    const auto endText = m_columns.field(record, CsvColumns::End);
-    const auto durationText = m_columns.field(record, CsvColumns::Duration);
-    if (!endText && !durationText)
-        throw Tr::tr("the line ends before its end");
-
-    const bool hasEnd = endText && !endText->isEmpty();
-    const bool hasDuration = durationText && !durationText->isEmpty();
-    if (!hasEnd && !hasDuration)
-        return DocumentItem::openEnded;
-
-    bool isNumber = true;
-    const qint64 end = hasEnd ? readTime(*endText, CsvColumns::End) : 0;
-    const qint64 duration = hasDuration ? durationText->toLongLong(&isNumber) : end - start;
-    if (!isNumber)
-        throw Tr::tr("bad duration %1: not a whole number of milliseconds").arg(quoted(*durationText));
-    if (duration < 0)
-        throw hasDuration ? Tr::tr("the duration is negative") : Tr::tr("the end is before the start");
-    if (duration > std::numeric_limits<int>::max())
-        throw Tr::tr("the item lasts %1 ms; more than %2 ms (24.8 days) are not possible")
-            .arg(duration)
-            .arg(std::numeric_limits<int>::max());
-    if (hasEnd && end - start != duration)
-        throw Tr::tr("end and duration contradict each other");
-    return static_cast<int>(duration);
-}
-
-QColor CsvDocumentBuilder::readColor(const QString& text)
-{
-    if (text.isEmpty())
-        return {};
-    if (!QColor::isValidColorName(text))
-        throw Tr::tr("bad color %1").arg(quoted(text));
-    return QColor::fromString(text);
-}
-
-bool CsvDocumentBuilder::readEditable(const QString& text)
-{
-    const auto isOneOf = [&text](std::initializer_list<const char16_t*> words) {
-        return std::any_of(words.begin(), words.end(), [&text](const char16_t* word) {
-            return text.compare(QStringView(word), Qt::CaseInsensitive) == 0;
-        });
-    };
-    if (isOneOf({u"", u"true", u"yes", u"1"}))
-        return true;
-    if (isOneOf({u"false", u"no", u"0"}))
-        return false;
-    throw Tr::tr("bad editable %1: neither true nor false").arg(quoted(text));
-}
-
-Document CsvDocumentBuilder::takeDocument(const QString& fileName)
-{
-    for (const QString& name : m_columns.unknownNames()) {
-        const QString text = name.isEmpty() ? Tr::tr("a column without a name is left out")
-                                            : Tr::tr("column %1 is left out").arg(quoted(name));
-        m_document.addWarning(FileError{fileName, 0, text}.text());
+    std::optional<FileError> readRecords(CsvRecordReader& records, CsvItemReader& items)
+    {
+        for (int skipped = m_plan.hasDelimiterLine ? 2 : 1; skipped > 0; --skipped)
+            records.next();
+        while (records.next()) {
+            m_progress.reportSometimes(m_source.share());
+            try {
+                readRecord(records, items);
+            } catch (const CsvItemReader::LeftOut& leftOut) {
+                leaveOut(records.recordLine(), leftOut.reason);
+            } catch (const QString& reason) {
+                if (m_plan.isOwnWay())
+                    return FileError{m_fileName, records.recordLine(), reason};
+                leaveOut(records.recordLine(), reason);
+            }
+        }
+        return m_itemCount == 0 ? m_firstFault : std::nullopt;
     }
-    if (m_cutTimes > 0)
-        m_document.addWarning(
-            FileError{fileName, 0, Tr::tr("times cut to whole milliseconds: %1").arg(m_cutTimes)}.text());
-    return std::move(m_document);
-}
+
+    void readRecord(const CsvRecordReader& records, CsvItemReader& items)
+    {
+        std::optional<CsvItemReader::Entry> entry = items.read(records.fields());
+        if (!entry)
+            return;
+        if (!entry->remark.isNull())
+            m_warnings.add(records.recordLine(), entry->remark);
+        DocumentTrack& track = m_document.track(entry->path);
+        if (!entry->item)
+            return;
+        ++m_itemCount;
+        track.items.push_back(std::move(*entry->item));
+    }
+
+    // A file of which nothing can be read is not what it was taken for.
+    void leaveOut(int line, const QString& reason)
+    {
+        if (!m_firstFault && !m_plan.isOwnWay())
+            m_firstFault = FileError{m_fileName, line, reason};
+        m_warnings.add(line, Tr::tr("the record is left out: %1").arg(reason));
+    }
+
+    Document takeDocument(const CsvItemReader& items)
+    {
+        const auto addCount = [this](const QString& text, int count) {
+            if (count > 0)
+                m_warnings.add(0, text.arg(count));
+        };
+        addCount(Tr::tr("times cut to whole milliseconds: %1"), items.cutTimes());
+        addCount(Tr::tr("times that the clocks left out when they were put forward, moved by as much: %1"),
+                 items.timeCounts().leftOut);
+        addCount(Tr::tr("times that the clocks showed twice, the first taken: %1"), items.timeCounts().twice);
+        m_warnings.addTo(m_document);
+        return std::move(m_document);
+    }
+
+    CsvSource& m_source;
+    QString m_fileName;
+    ReadProgress& m_progress;
+    CsvPlan m_plan;
+    WarningList m_warnings;
+    Document m_document;
+    std::optional<FileError> m_firstFault;
+    qint64 m_itemCount = 0;
+    bool m_hasEncodingError = false;
+};
 
 } // namespace
 
-Result<Document> readCsv(QIODevice& device, const QString& fileName)
+Result<Document> readCsv(QIODevice& device, const QString& fileName, const ReadOptions& options)
 {
-    CsvRecordReader reader(device);
-    CsvDocumentBuilder builder;
+    ReadProgress progress(options);
     try {
-        const bool hasHeader = reader.next();
-        if (hasHeader)
-            builder.readHeader(reader.fields());
-        while (reader.next())
-            builder.readRecord(reader.fields());
-        if (!reader.errorReason().isNull())
-            return FileError{fileName, reader.errorLine(), reader.errorReason()};
-        if (!hasHeader)
-            return FileError{fileName, 0, Tr::tr("the file is empty")};
+        progress.report(0.0);
+        CsvSource source(device);
+        CsvDocumentReader reader(source, fileName, options, progress);
+        Result<Document> result = reader.read();
+        if (!reader.isOtherEncoding(options) || !source.restart())
+            return result;
+        ReadOptions others = options;
+        others.csv.encoding = CsvEncoding::Windows1252;
+        result = CsvDocumentReader(source, fileName, others, progress).read();
+        if (result)
+            result.value().addWarning(FileError{fileName, 0, Tr::tr("the text is taken for Windows-1252")}.text());
+        return result;
     } catch (const QString& reason) {
-        return FileError{fileName, reader.recordLine(), reason};
+        return FileError{fileName, 0, reason};
+    } catch (const ReadCancelled&) {
+        return FileError{fileName, 0, cancelledReason()};
     }
-    return builder.takeDocument(fileName);
 }
 
-Result<Document> readCsv(const QString& fileName)
+Result<Document> readCsv(const QString& fileName, const ReadOptions& options)
 {
-    if (fileName.isEmpty())
-        return FileError{fileName, 0, Tr::tr("no file name")};
-    if (QFileInfo(fileName).isDir())
-        return FileError{fileName, 0, Tr::tr("is a directory")};
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return FileError{fileName, 0, file.errorString()};
-    Result<Document> result = readCsv(file, fileName);
-    // A read that fails looks like the end of the text.
-    if (file.error() != QFileDevice::NoError)
-        return FileError{fileName, 0, file.errorString()};
-    return result;
+    return readFile(fileName, [&](QIODevice& device) { return readCsv(device, fileName, options); });
 }
 
 } // namespace VeskTimeline::Kit

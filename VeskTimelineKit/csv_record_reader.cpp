@@ -1,26 +1,24 @@
 #include "csv_record_reader_p.h"
 #include "kit_tr_p.h"
 
-#include <QIODevice>
 #include <QStringDecoder>
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace VeskTimeline::Kit {
 
 namespace {
 
-// A longer line is no text that anybody wrote; it must not fill the memory.
+// What is longer is no text that anybody wrote; it must not fill the memory.
 constexpr qsizetype longestLine = 16 * 1024 * 1024;
-constexpr qint64 blockSize = 64 * 1024;
-
-constexpr char utf8Mark[] = "\xEF\xBB\xBF";
-constexpr char utf16LittleMark[] = "\xFF\xFE";
-constexpr char utf16BigMark[] = "\xFE\xFF";
+constexpr qsizetype longestField = 1'000'000;
 
 bool isUtf8(const QByteArray& text)
 {
+    if (std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; }))
+        return true;
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString decoded = decoder.decode(text);
     Q_UNUSED(decoded)
@@ -41,10 +39,12 @@ qsizetype lineEnd(const QByteArray& text, qsizetype from)
 
 } // namespace
 
-CsvRecordReader::CsvRecordReader(QIODevice& device) : m_device(device)
+CsvRecordReader::CsvRecordReader(NextBlock nextBlock, char delimiter, const QString& encodingName)
+    : m_nextBlock(std::move(nextBlock)), m_encodingName(encodingName)
 {
     if (csv_init(&m_parser, CSV_STRICT | CSV_STRICT_FINI) != 0)
         throw std::bad_alloc();
+    csv_set_delim(&m_parser, static_cast<unsigned char>(delimiter));
 }
 
 CsvRecordReader::~CsvRecordReader()
@@ -61,8 +61,10 @@ bool CsvRecordReader::refuse(int line, const QString& reason)
 
 void CsvRecordReader::onField(void* text, std::size_t size, void* self)
 {
-    static_cast<CsvRecordReader*>(self)->m_fields.append(
-        QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size)));
+    auto* const reader = static_cast<CsvRecordReader*>(self);
+    const QString field = QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size));
+    reader->m_hasLongField = reader->m_hasLongField || field.size() > longestField;
+    reader->m_fields.append(field);
 }
 
 void CsvRecordReader::onRecordEnd(int /*terminator*/, void* self)
@@ -73,7 +75,7 @@ void CsvRecordReader::onRecordEnd(int /*terminator*/, void* self)
 bool CsvRecordReader::hasMore()
 {
     if (m_position == m_block.size()) {
-        m_block = m_device.read(blockSize);
+        m_block = m_nextBlock();
         m_position = 0;
     }
     return m_position < m_block.size();
@@ -102,33 +104,33 @@ std::optional<QByteArray> CsvRecordReader::nextLine()
     return line;
 }
 
-bool CsvRecordReader::acceptLine(QByteArray& line)
+bool CsvRecordReader::acceptLine(const QByteArray& line)
 {
-    if (m_line == 1) {
-        if (line.startsWith(utf16LittleMark) || line.startsWith(utf16BigMark))
-            return refuse(1, Tr::tr("UTF-16 text; only UTF-8 is read"));
-        if (line.startsWith(utf8Mark))
-            line.remove(0, static_cast<qsizetype>(qstrlen(utf8Mark)));
-    }
     if (line.contains('\0'))
         return refuse(m_line, Tr::tr("binary data, not text"));
     if (line.size() > longestLine)
         return refuse(m_line, Tr::tr("the line is too long"));
-    if (!isUtf8(line))
-        return refuse(m_line, Tr::tr("not UTF-8 text"));
-    return true;
+    m_hasEncodingError = !isUtf8(line);
+    return !m_hasEncodingError || refuse(m_line, Tr::tr("not %1 text").arg(m_encodingName));
 }
 
 bool CsvRecordReader::parseLine(const QByteArray& line)
 {
     if (!m_isInRecord) {
         m_recordLine = m_line;
+        m_recordSize = 0;
         m_fields.clear();
     }
+    m_recordSize += line.size();
+    // What follows a quote that is never closed is all one field.
+    if (m_recordSize > longestLine)
+        return refuse(m_recordLine, Tr::tr("the record is too long"));
     m_hasRecord = false;
     const auto size = static_cast<std::size_t>(line.size());
     if (csv_parse(&m_parser, line.constData(), size, onField, onRecordEnd, this) != size)
         return refuse(m_line, Tr::tr("misplaced quote"));
+    if (m_hasLongField)
+        return refuse(m_recordLine, Tr::tr("a field has more than %1 characters").arg(longestField));
     m_isInRecord = !m_hasRecord && (m_isInRecord || !isBlank(line));
     return true;
 }
@@ -139,13 +141,15 @@ bool CsvRecordReader::finish()
     m_hasRecord = false;
     if (csv_fini(&m_parser, onField, onRecordEnd, this) != 0)
         return refuse(m_recordLine, Tr::tr("unterminated quote"));
+    if (m_hasLongField)
+        return refuse(m_recordLine, Tr::tr("a field has more than %1 characters").arg(longestField));
     return m_hasRecord;
 }
 
 bool CsvRecordReader::next()
 {
     while (!m_isFinished) {
-        std::optional<QByteArray> line = nextLine();
+        const std::optional<QByteArray> line = nextLine();
         if (!line)
             return finish();
         if (!acceptLine(*line) || !parseLine(*line)) {

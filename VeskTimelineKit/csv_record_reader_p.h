@@ -7,21 +7,23 @@
 #include <QStringList>
 
 #include <csv.h>
+#include <functional>
 #include <optional>
-
-class QIODevice;
 
 namespace VeskTimeline::Kit {
 
 /// Takes a CSV text apart into records, strictly, and knows on which line each of them starts.
 ///
-/// Reads UTF-8 with or without byte order mark, with line ends LF, CR LF or CR. Blanks around fields that are not
-/// quoted are dropped, blank lines skipped.
+/// Takes line ends LF, CR LF and CR. Blanks around fields that are not quoted are dropped, blank lines skipped.
 class CsvRecordReader
 {
 public:
-    /// @param device open for reading; not owned
-    explicit CsvRecordReader(QIODevice& device);
+    /// A block of UTF-8 text, of any size; empty at the end.
+    using NextBlock = std::function<QByteArray()>;
+
+    /// @param delimiter between fields; ASCII
+    /// @param encodingName of the file, for messages about characters that are none
+    CsvRecordReader(NextBlock nextBlock, char delimiter, const QString& encodingName);
     CsvRecordReader(const CsvRecordReader&) = delete;
     CsvRecordReader& operator=(const CsvRecordReader&) = delete;
     ~CsvRecordReader();
@@ -36,6 +38,8 @@ public:
     const QString& errorReason() const { return m_errorReason; }
     /// The line that errorReason() is about; 0 for none.
     int errorLine() const { return m_errorLine; }
+    /// Whether it is refused for bytes that the encoding does not allow.
+    bool hasEncodingError() const { return m_hasEncodingError; }
 
 private:
     static void onField(void* text, std::size_t size, void* self);
@@ -43,12 +47,13 @@ private:
 
     bool hasMore();
     std::optional<QByteArray> nextLine();
-    bool acceptLine(QByteArray& line);
+    bool acceptLine(const QByteArray& line);
     bool parseLine(const QByteArray& line);
     bool finish();
     bool refuse(int line, const QString& reason);
 
-    QIODevice& m_device;
+    NextBlock m_nextBlock;
+    QString m_encodingName;
     csv_parser m_parser;
     QByteArray m_block;
     qsizetype m_position = 0;
@@ -58,6 +63,9 @@ private:
     bool m_isInRecord = false;
     bool m_hasRecord = false;
     bool m_isFinished = false;
+    bool m_hasLongField = false;
+    bool m_hasEncodingError = false;
+    qsizetype m_recordSize = 0;
     QString m_errorReason;
     int m_errorLine = 0;
 };

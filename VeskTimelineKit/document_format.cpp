@@ -23,11 +23,6 @@ namespace {
 
 using Formats = std::vector<const DocumentFormat*>;
 
-Result<Document> readCsvFile(const QString& fileName, const ReadOptions& /*options*/)
-{
-    return readCsv(fileName);
-}
-
 QByteArray withoutMarkAndBlanks(const QByteArray& head)
 {
     return head.mid(head.startsWith("\xEF\xBB\xBF") ? 3 : 0).trimmed();
@@ -86,7 +81,11 @@ QByteArray headOf(const QString& fileName)
 std::vector<DocumentFormat> makeFormats()
 {
     // The native format stands before others that share a suffix with it: what is saved under that is native.
-    return {{QStringLiteral("csv"), Tr::tr("Comma-separated values"), {QStringLiteral("csv")}, readCsvFile, writeCsv},
+    return {{QStringLiteral("csv"),
+             Tr::tr("Comma-separated values"),
+             {QStringLiteral("csv"), QStringLiteral("csv.gz")},
+             readCsv,
+             writeCsv},
             {QStringLiteral("vtl"),
              Tr::tr("VeskTimeline document"),
              {QStringLiteral("vtl.json"), QStringLiteral("json")},

@@ -1,0 +1,66 @@
+#pragma once
+
+// Internal to the kit; not installed.
+
+#include "csv_plan_p.h"
+#include "csv_time_p.h"
+
+#include <VeskTimelineKit/document.h>
+
+#include <optional>
+
+namespace VeskTimeline::Kit {
+
+/// Makes items of records.
+///
+/// Operations that take a record apart throw the reason, a QString, when it is bad. A file in the kit's own way is
+/// refused then; of others the record is left out.
+class CsvItemReader
+{
+public:
+    /// What a record says. Without an item it names a track that has none.
+    struct Entry
+    {
+        QStringList path;
+        std::optional<DocumentItem> item;
+        QString remark; ///< about what was adapted, for the user; null for nothing
+    };
+
+    /// Thrown for a record that is left out whatever the file is.
+    struct LeftOut
+    {
+        QString reason;
+    };
+
+    /// @param plan must outlive this object; @param defaultTrack of files that have no column for tracks
+    CsvItemReader(const CsvPlan& plan, const QString& defaultTrack);
+
+    /// Nothing for a record of empty fields. @throws QString, LeftOut
+    std::optional<Entry> read(const QStringList& record);
+
+    int cutTimes() const { return m_cutTimes; }
+    const CsvTimeReader::Counts& timeCounts() const { return m_times.counts(); }
+
+private:
+    QString required(const QStringList& record, CsvField field) const;
+    QString optional(const QStringList& record, CsvField field) const;
+    QStringList readPath(const QStringList& record) const;
+    QStringList readOwnPath(const QString& text) const;
+    CsvTime checked(const std::optional<CsvTime>& time, CsvField field, const QString& text);
+    QString badTime(CsvField field, const QString& text) const;
+    qint64 readDuration(const QStringList& record, qint64 start);
+    void readColor(const QStringList& record, Entry& entry) const;
+    void readEditable(const QStringList& record, Entry& entry) const;
+    void readAttributes(const QStringList& record, DocumentItem& item) const;
+    bool namesTrackOnly(const QStringList& record) const;
+
+    const CsvPlan& m_plan;
+    QString m_defaultTrack;
+    CsvTimeReader m_times;
+    int m_cutTimes = 0;
+};
+
+/// The track of files that have no column for tracks: as the file is called, without its suffixes.
+QString csvDefaultTrack(const QString& fileName);
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,82 @@
+#include "csv_item_reader_p.h"
+#include "kit_tr_p.h"
+#include "quoted_text_p.h"
+
+#include <VeskTimelineKit/csv_preview.h>
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+CsvPreviewRecord previewRecord(const CsvRecordReader& records, CsvItemReader& items)
+{
+    CsvPreviewRecord record;
+    record.line = records.recordLine();
+    record.fields = records.fields();
+    try {
+        if (std::optional<CsvItemReader::Entry> entry = items.read(record.fields)) {
+            record.item = std::move(entry->item);
+            record.trackPath = entry->path;
+        }
+    } catch (const CsvItemReader::LeftOut& leftOut) {
+        record.problem = leftOut.reason;
+    } catch (const QString& reason) {
+        record.problem = reason;
+    }
+    return record;
+}
+
+CsvPreview makePreview(CsvSource& source, const QString& fileName, const CsvOptions& options, int mostRecords)
+{
+    const CsvPlan plan = makeCsvPlan(source, options);
+    CsvPreview preview{plan.sample.header, plan.options, plan.guesses, {}, plan.problem};
+    const QString defaultTrack = csvDefaultTrack(fileName);
+    const bool isReadable = plan.problem.isNull();
+    if (isReadable && !plan.columns.has(CsvField::Track))
+        preview.guesses.append(
+            Tr::tr("there is no column for tracks: all items are in the track %1").arg(quotedText(defaultTrack)));
+    if (plan.sample.header.isEmpty())
+        return preview;
+    CsvItemReader items(plan, defaultTrack);
+    CsvRecordReader records = csvRecords(source, plan);
+    for (int skipped = plan.hasDelimiterLine ? 2 : 1; skipped > 0; --skipped)
+        records.next();
+    while (preview.records.size() < mostRecords && records.next()) {
+        if (isReadable)
+            preview.records.append(previewRecord(records, items));
+        else
+            preview.records.append({records.recordLine(), records.fields(), {}, {}, {}});
+    }
+    if (preview.problem.isNull() && preview.records.size() < mostRecords)
+        preview.problem = records.errorReason();
+    return preview;
+}
+
+} // namespace
+
+Result<CsvPreview> previewCsv(const QString& fileName, const CsvOptions& options, int mostRecords)
+{
+    if (fileName.isEmpty())
+        return FileError{fileName, 0, Tr::tr("no file name")};
+    if (QFileInfo(fileName).isDir())
+        return FileError{fileName, 0, Tr::tr("is a directory")};
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return FileError{fileName, 0, file.errorString()};
+    try {
+        CsvSource source(file);
+        if (file.error() != QFileDevice::NoError)
+            return FileError{fileName, 0, file.errorString()};
+        CsvPreview preview = makePreview(source, fileName, options, mostRecords);
+        if (preview.header.isEmpty() && !preview.problem.isNull())
+            return FileError{fileName, 0, preview.problem};
+        return preview;
+    } catch (const QString& reason) {
+        return FileError{fileName, 0, reason};
+    }
+}
+
+} // namespace VeskTimeline::Kit
