@@ -9,12 +9,6 @@
 
 namespace VeskTimeline::Kit {
 
-/// All fields, in the order in which columns are looked for.
-const QList<CsvField>& csvFields();
-
-/// The field's name as a column of the kit's own.
-QString csvFieldName(CsvField field);
-
 /// Names of columns that others use for a field, in words as CsvName has them, those that say most first.
 QStringList csvSynonyms(CsvField field);
 

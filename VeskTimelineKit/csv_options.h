@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QChar>
+#include <QList>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,15 @@ namespace VeskTimeline::Kit {
 
 /// What a column of comma-separated values can be for an item.
 enum class CsvField { Track, Label, Start, End, Duration, Color, Editable, Description };
+
+/// All fields, those first that matter most to a reader of a list of them.
+VESKTIMELINEKIT_EXPORT const QList<CsvField>& csvFields();
+/// The field's name as a column of the kit's own, as "start".
+VESKTIMELINEKIT_EXPORT QString csvFieldName(CsvField field);
+
+/// Whether fields can be separated by it: characters of ASCII that are no letters, digits, quotes or control
+/// characters, and the tab.
+VESKTIMELINEKIT_EXPORT bool isCsvDelimiter(QChar c);
 
 /// How the bytes of a text file stand for characters. A byte order mark counts more than what is said.
 enum class CsvEncoding { Utf8, Utf16, Windows1252, Latin1 };
@@ -32,7 +42,9 @@ struct CsvOptions
     std::optional<QChar> decimalPoint = {}; ///< of numbers and of fractions of seconds: '.' or ','
     std::optional<CsvEncoding> encoding = {};
     std::optional<CsvTimeUnit> timeUnit = {};
-    QString dateFormat = {};  ///< a pattern as QDateTime::fromString() takes it; null: detect
+    /// A pattern as QDateTime::fromString() takes it; null: detect. Behind a date alone there may be a time of day, in
+    /// any way of writing it, and of day, month and year as numbers each may have one digit or two.
+    QString dateFormat = {};
     QByteArray timeZone = {}; ///< IANA id of times that are written without a zone; null: UTC
 
     friend bool operator==(const CsvOptions& left, const CsvOptions& right)

@@ -30,7 +30,4 @@ CsvPlan makeCsvPlan(const CsvSource& source, const CsvOptions& said);
 /// The records of the source from its beginning, the header first.
 CsvRecordReader csvRecords(CsvSource& source, const CsvPlan& plan);
 
-/// Whether fields can be separated by it.
-bool isCsvDelimiter(QChar c);
-
 } // namespace VeskTimeline::Kit

@@ -11,9 +11,8 @@ namespace VeskTimeline::Kit {
 
 namespace {
 
-// What is longer is no text that anybody wrote; it must not fill the memory.
+// For the same reason as csvLongestField.
 constexpr qsizetype longestLine = 16 * 1024 * 1024;
-constexpr qsizetype longestField = 1'000'000;
 
 bool isUtf8(const QByteArray& text)
 {
@@ -63,7 +62,7 @@ void CsvRecordReader::onField(void* text, std::size_t size, void* self)
 {
     auto* const reader = static_cast<CsvRecordReader*>(self);
     const QString field = QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size));
-    reader->m_hasLongField = reader->m_hasLongField || field.size() > longestField;
+    reader->m_hasLongField = reader->m_hasLongField || field.size() > csvLongestField;
     reader->m_fields.append(field);
 }
 
@@ -130,7 +129,7 @@ bool CsvRecordReader::parseLine(const QByteArray& line)
     if (csv_parse(&m_parser, line.constData(), size, onField, onRecordEnd, this) != size)
         return refuse(m_line, Tr::tr("misplaced quote"));
     if (m_hasLongField)
-        return refuse(m_recordLine, Tr::tr("a field has more than %1 characters").arg(longestField));
+        return refuse(m_recordLine, Tr::tr("a field has more than %1 characters").arg(csvLongestField));
     m_isInRecord = !m_hasRecord && (m_isInRecord || !isBlank(line));
     return true;
 }
@@ -142,7 +141,7 @@ bool CsvRecordReader::finish()
     if (csv_fini(&m_parser, onField, onRecordEnd, this) != 0)
         return refuse(m_recordLine, Tr::tr("unterminated quote"));
     if (m_hasLongField)
-        return refuse(m_recordLine, Tr::tr("a field has more than %1 characters").arg(longestField));
+        return refuse(m_recordLine, Tr::tr("a field has more than %1 characters").arg(csvLongestField));
     return m_hasRecord;
 }
 

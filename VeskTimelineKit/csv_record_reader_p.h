@@ -12,6 +12,9 @@
 
 namespace VeskTimeline::Kit {
 
+/// Characters that a field may have. What is longer is no text that anybody wrote; it must not fill the memory.
+constexpr qsizetype csvLongestField = 1'000'000;
+
 /// Takes a CSV text apart into records, strictly, and knows on which line each of them starts.
 ///
 /// Takes line ends LF, CR LF and CR. Blanks around fields that are not quoted are dropped, blank lines skipped.

@@ -7,12 +7,15 @@
 
 namespace VeskTimeline::Kit {
 
-/// The document as readCsv() reads it: columns track, label, start, end, color and editable, UTF-8, lines ended by LF,
-/// times as formatTime() writes them. Tracks without items anywhere below them have no line and are lost, and so are
-/// warnings.
+/// The document as readCsv() reads it: columns track, label, start, end, color and editable, description if there is
+/// any, and one for each attribute, in the order of their names; UTF-8, lines ended by LF, times as formatTime() writes
+/// them. A track without items is a line of its own. The document's warnings are not part of it.
 VESKTIMELINEKIT_EXPORT QByteArray csvText(const Document& document);
 
 /// Writes csvText() to a file, whole or not at all: a file that was there before stays as it was when writing fails.
+/// There is a warning for each kind of thing that CSV cannot say, with the number of them: colours of tracks,
+/// attributes without a value, names that are empty or have blanks around them, times outside the years 1 to 9999 among
+/// them.
 VESKTIMELINEKIT_EXPORT WriteResult writeCsv(const Document& document, const QString& fileName,
                                             const WriteOptions& options = {});
 

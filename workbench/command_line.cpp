@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include "csv_command_line.h"
+
 #include <VeskTimelineKit/document_format.h>
 #include <VeskTimelineKit/time_text.h>
 
@@ -43,13 +45,16 @@ struct Options
         Tr::tr("Make the occurrences of recurring events that start from START on and before END; "
                "each is a date, an ISO 8601 time with its zone, or milliseconds since 1970."),
         QStringLiteral("START..END")};
+    CsvCommandLine csv;
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, Tr::tr("Print this text and exit.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, Tr::tr("Print the version and exit.")};
 
     void addTo(QCommandLineParser& parser) const
     {
         parser.setApplicationDescription(Tr::tr("Shows timelines."));
-        parser.addOptions({info, convert, screenshot, from, stretch, expand, help, version});
+        parser.addOptions({info, convert, screenshot, from, stretch, expand});
+        parser.addOptions(csv.options());
+        parser.addOptions({help, version});
         parser.addPositionalArgument(QStringLiteral("FILE"), Tr::tr("Timelines to load; tracks of the same name join."),
                                      QStringLiteral("[FILE...]"));
     }
@@ -75,8 +80,9 @@ QString usageError(const QCommandLineParser& parser, const Options& options)
     }
     if (actions.size() > 1)
         return Tr::tr("%1 do not go together").arg(actions.join(QStringLiteral(", ")));
-    for (const QCommandLineOption& option :
-         {options.convert, options.screenshot, options.from, options.stretch, options.expand}) {
+    const QList<QCommandLineOption> single{options.convert, options.screenshot, options.from, options.stretch,
+                                           options.expand};
+    for (const QCommandLineOption& option : single + options.csv.options()) {
         if (parser.values(option).size() > 1)
             return Tr::tr("--%1 is there more than once").arg(option.names().first());
     }
@@ -133,7 +139,7 @@ QString readReadOptions(const QCommandLineParser& parser, const Options& options
         if (!readOptions.expand)
             return Tr::tr("\"%1\" is not START..END with an end after the start").arg(text);
     }
-    return {};
+    return options.csv.read(parser, readOptions.csv);
 }
 
 // Empty when the action can write such a file.
