@@ -80,12 +80,14 @@ private Q_SLOTS:
     void infoListsWarningsAndWritesLargeTimesAsIntegers()
     {
         const QString file =
-            write("a.csv", "track,label,start,end,note\nA/B,x,-8640000000000000,-8639999999999999,n\n");
+            write("a.csv", "track,label,start,end\nA/B,x,-62135596800000,253402300799999\nA,y,1,8640000000000000\n");
         const Run result = run({"--info", file});
+        QCOMPARE(result.output,
+                 QString("{\"end\":253402300799999,\"items\":1,\"start\":-62135596800000,\"tracks\":2,\"warnings\":["
+                         "\"%1:3: the record is left out: the end \\\"8640000000000000\\\" is outside the years 1 to "
+                         "9999\",\"“x” is longer than 24 days and is shown in pieces\"]}\n")
+                     .arg(file));
         QCOMPARE(result.status, 0);
-        QCOMPARE(result.output, QString("{\"end\":-8639999999999999,\"items\":1,\"start\":-8640000000000000,"
-                                        "\"tracks\":2,\"warnings\":[\"%1: column \\\"note\\\" is left out\"]}\n")
-                                    .arg(file));
     }
 
     void tracksOfSeveralFilesJoin()
@@ -160,10 +162,58 @@ private Q_SLOTS:
 
     void whatIsLeftOutByConvertingIsWarnedOf()
     {
-        const QString file = write("a.csv", "track,label,start,end,note\nA,x,5,6,n\n");
+        const QString file = write("a.csv", "track,label,start,end\nA,x,5,6\nA,y,8640000000000000,\n");
+        const QString left =
+            "warning: %1:3: the record is left out: the start \"8640000000000000\" is outside the years "
+            "1 to 9999\n";
         const Run result = run({"--convert", m_dir->filePath("out.csv"), file});
         QCOMPARE(result.status, 0);
-        QCOMPARE(result.errors, QString("warning: %1: column \"note\" is left out\n").arg(file));
+        QCOMPARE(result.errors, left.arg(file));
+    }
+
+    void whatTheFormatOfTheOutputCannotSayIsWarnedOf()
+    {
+        const QString file = write("a.vtl.json", "{\"format\":\"vesk-timeline\",\"version\":1,\"tracks\":[{\"path\":"
+                                                 "[\"A\"],\"color\":\"#ff0000\"}],\"items\":[]}");
+        const QString out = m_dir->filePath("out.csv");
+        const Run result = run({"--convert", out, file});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.errors, QString("warning: CSV has no place for the colors of tracks; left out: 1\n"));
+        QCOMPARE(content(out), QByteArray("track,label,start,end,color,editable\nA,,,,,\n"));
+    }
+
+    void csvFilesAreReadAsTheOptionsSay()
+    {
+        const QString file = write("a.txt", "one;\"two, +\";t;len;who\nA;B;02.03.2015 10:00;1,5;G\xF6\xE9\x80\n");
+        const QString out = m_dir->filePath("out.csv");
+        const Run result =
+            run({"--convert", out, "--from", "csv", "--map", "track=one+two\\, \\+,start=t,duration=len,label=who",
+                 "--delimiter", ";", "--decimal", ",", "--encoding", "windows-1252", "--time-unit", "s",
+                 "--date-format", "dd.MM.yyyy", "--time-zone", "Europe/Berlin", file});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(
+            QString::fromUtf8(content(out)),
+            "track,label,start,end,color,editable\nA/B,Göé€,2015-03-02T09:00:00Z,2015-03-02T09:00:01.500Z,,true\n");
+    }
+
+    void tabsAreSaidByTheirName()
+    {
+        const QString file = write("a.csv", "start\tend\tlabel,x\n1\t2\ta\n");
+        for (const QString& tab : {QString("tab"), QString("TAB"), QString("\\t"), QString("\t")}) {
+            const Run result = run({"--info", "--delimiter", tab, "--map", "label=label\\,x", file});
+            QCOMPARE(result.status, 0);
+            QVERIFY2(result.output.startsWith("{\"end\":2,\"items\":1,\"start\":1,"), qPrintable(result.output));
+        }
+    }
+
+    void aColumnThatIsNotThereRefusesTheFile()
+    {
+        const QString file = write("a.csv", "start,end\n1,2\n");
+        const Run result = run({"--info", "--map", "start=begin", file});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, file + ":1: there is no column \"begin\"\n");
+        QCOMPARE(result.output, QString());
     }
 
     void anOutputThatCannotBeWrittenIsReported()
@@ -296,6 +346,30 @@ private Q_SLOTS:
             "\"5..5\" is not START..END with an end after the start");
         row("three times", {"--info", "--expand", "1..2..3", sample},
             "\"1..2..3\" is not START..END with an end after the start");
+        row("map without field", {"--info", "--map", "x", sample}, "--map needs FIELD=COLUMN, not \"x\"");
+        row("map of nothing", {"--info", "--map", "", sample}, "--map needs FIELD=COLUMN, not \"\"");
+        row("map of an unknown field", {"--info", "--map", "begin=x", sample},
+            "--map knows no \"begin\"; there are track, label, start, end, duration, color, editable, description");
+        row("map without column", {"--info", "--map", "start=a+", sample},
+            "--map needs a column behind each \"=\" and \"+\"");
+        row("map twice", {"--info", "--map", "start=a,Start=b", sample}, "--map names \"start\" more than once");
+        row("map with two signs", {"--info", "--map", "start=a=b", sample}, "--map has a \"=\" too many behind \"a\"");
+        row("two maps", {"--info", "--map", "start=a", "--map", "end=b", sample}, "--map is there more than once");
+        row("long delimiter", {"--info", "--delimiter", ";;", sample},
+            "fields cannot be separated by \";;\": a delimiter is one character that is no letter, digit or quote, or "
+            "the word tab");
+        row("delimiter is a letter", {"--info", "--delimiter", "x", sample},
+            "fields cannot be separated by \"x\": a delimiter is one character that is no letter, digit or quote, or "
+            "the word tab");
+        row("no decimal point", {"--info", "--decimal", ";", sample}, "the decimal point is . or , and not \";\"");
+        row("unknown encoding", {"--info", "--encoding", "EBCDIC", sample},
+            "there is no encoding \"EBCDIC\"; there are UTF-8, UTF-16, Windows-1252 and Latin-1");
+        row("unknown unit", {"--info", "--time-unit", "min", sample},
+            "there is no unit \"min\"; there are s, ms, us and ns");
+        row("no pattern", {"--info", "--date-format", "dd.MM.", sample},
+            "\"dd.MM.\" is no pattern of dates: it has to name day (d), month (M) and year (y)");
+        row("unknown zone", {"--info", "--time-zone", "Europe/Nowhere", sample},
+            "there is no time zone \"Europe/Nowhere\"");
         row("unknown format", {"--info", "--from", "nonsense", sample}, "there is no format \"nonsense\"");
     }
     void wrongUsageIsToldApart()
@@ -313,8 +387,10 @@ private Q_SLOTS:
         const Run help = run({"--help"});
         QCOMPARE(help.status, 0);
         QCOMPARE(help.errors, QString());
-        for (const char* const option : {"--info", "--convert <OUT>", "--screenshot <OUT.png>", "--from <FORMAT>",
-                                         "--stretch <N>", "--expand <START..END>", "csv, vtl, ics, trace, ninja"})
+        for (const char* const option :
+             {"--info", "--convert <OUT>", "--screenshot <OUT.png>", "--from <FORMAT>", "--stretch <N>",
+              "--expand <START..END>", "csv, vtl, ics, trace, ninja", "--map <FIELD=COLUMN,...>", "--delimiter",
+              "--decimal", "--encoding", "--time-unit", "--date-format", "--time-zone"})
             QVERIFY2(help.output.contains(option), option);
         const Run version = run({"--version"});
         QCOMPARE(version.status, 0);
