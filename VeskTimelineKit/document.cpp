@@ -51,15 +51,19 @@ QStringList Document::longItemWarnings() const
 {
     constexpr qsizetype mostWarnings = 100;
     QStringList texts;
+    qint64 left = 0;
     for (const DocumentTrack& track : m_tracks) {
         for (const DocumentItem& item : track.items) {
             if (item.duration <= DocumentItem::longestBar)
                 continue;
             if (texts.size() == mostWarnings)
-                return texts;
-            texts.append(Tr::tr("“%1” is longer than 24 days and is shown in pieces").arg(item.label));
+                ++left;
+            else
+                texts.append(Tr::tr("“%1” is longer than 24 days and is shown in pieces").arg(item.label));
         }
     }
+    if (left > 0)
+        texts.append(Tr::tr("further items that are shown in pieces: %1").arg(left));
     return texts;
 }
 

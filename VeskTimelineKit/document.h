@@ -68,7 +68,7 @@ public:
     /// What a reader noticed and went on, in sentences for the user.
     const QStringList& warnings() const { return m_warnings; }
     void addWarning(const QString& text) { m_warnings.append(text); }
-    /// A sentence for each item that is longer than one bar, the first 100 of them.
+    /// A sentence for each item that is longer than one bar; of the first 100, and then how many more there are.
     QStringList longItemWarnings() const;
 
     /// Adds the tracks, items and warnings of another document; tracks of the same path become one, which keeps its

@@ -7,7 +7,7 @@ using namespace VeskTimeline::Kit;
 
 namespace {
 
-DocumentItem item(const QString& label, qint64 start, int duration)
+DocumentItem item(const QString& label, qint64 start, qint64 duration)
 {
     return {label, start, duration, {}, true};
 }
@@ -92,6 +92,21 @@ private Q_SLOTS:
         QCOMPARE(items[1].label, "3");
         QCOMPARE(first.warnings(), (QStringList{"w1", "w2"}));
         QCOMPARE(paths(second), (QStringList{"C", "A", "A>B"}));
+    }
+
+    void longItemsAreNamedUpToAHundredAndThenCounted()
+    {
+        constexpr qint64 longest = DocumentItem::longestBar;
+        Document document;
+        document.track({"A"}).items = {item("short", 0, longest), item("open", 0, -1), item("long", 0, longest + 1)};
+        QCOMPARE(document.longItemWarnings(), QStringList{"“long” is longer than 24 days and is shown in pieces"});
+
+        for (int i = 0; i < 101; ++i)
+            document.track({"B"}).items.push_back(item("more", 0, 2 * longest));
+        const QStringList texts = document.longItemWarnings();
+        QCOMPARE(texts.size(), 101);
+        QCOMPARE(texts.at(99), "“more” is longer than 24 days and is shown in pieces");
+        QCOMPARE(texts.last(), "further items that are shown in pieces: 2");
     }
 
     void anErrorNamesFileLineAndReason()
