@@ -46,13 +46,16 @@ struct Options
                "each is a date, an ISO 8601 time with its zone, or milliseconds since 1970."),
         QStringLiteral("START..END")};
     CsvCommandLine csv;
+    QCommandLineOption theme{QStringLiteral("theme"),
+                             Tr::tr("Show the window in this look: system, light, dark; it is not remembered."),
+                             QStringLiteral("LOOK")};
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, Tr::tr("Print this text and exit.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, Tr::tr("Print the version and exit.")};
 
     void addTo(QCommandLineParser& parser) const
     {
         parser.setApplicationDescription(Tr::tr("Shows timelines."));
-        parser.addOptions({info, convert, screenshot, from, stretch, expand});
+        parser.addOptions({info, convert, screenshot, from, stretch, expand, theme});
         parser.addOptions(csv.options());
         parser.addOptions({help, version});
         parser.addPositionalArgument(QStringLiteral("FILE"), Tr::tr("Timelines to load; tracks of the same name join."),
@@ -80,8 +83,8 @@ QString usageError(const QCommandLineParser& parser, const Options& options)
     }
     if (actions.size() > 1)
         return Tr::tr("%1 do not go together").arg(actions.join(QStringLiteral(", ")));
-    const QList<QCommandLineOption> single{options.convert, options.screenshot, options.from, options.stretch,
-                                           options.expand};
+    const QList<QCommandLineOption> single{options.convert, options.screenshot, options.from,
+                                           options.stretch, options.expand,     options.theme};
     for (const QCommandLineOption& option : single + options.csv.options()) {
         if (parser.values(option).size() > 1)
             return Tr::tr("--%1 is there more than once").arg(option.names().first());
@@ -198,6 +201,12 @@ CommandLine parseCommandLine(const QStringList& arguments)
         return refusal(error);
     if (const QString error = readReadOptions(parser, options, commandLine.readOptions); !error.isEmpty())
         return refusal(error);
+    if (parser.isSet(options.theme)) {
+        const QString name = parser.value(options.theme);
+        commandLine.theme = Theme::schemeOf(name);
+        if (!commandLine.theme)
+            return refusal(Tr::tr("there is no look \"%1\"; there are system, light and dark").arg(name));
+    }
     if (parser.isSet(options.from)) {
         const QString name = parser.value(options.from);
         commandLine.from = documentFormatByName(name);

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "theme.h"
+
 #include <VeskTimelineKit/read_options.h>
 
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace VeskTimeline::Kit {
 struct DocumentFormat;
@@ -29,6 +33,7 @@ struct CommandLine
     QString output;                                          ///< of Convert and SaveScreenshot
     const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each as what it is
     VeskTimeline::Kit::ReadOptions readOptions;
+    std::optional<Theme::Scheme> theme; ///< nothing: as the user left it
     QString error;
 
     /// Whether the action needs widgets, and with them a windowing system.

@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "load_files.h"
 #include "main_window.h"
+#include "theme.h"
 
 #include <VeskTimelineKit/document_format.h>
 
@@ -119,7 +120,14 @@ int runWithoutWindow(const CommandLine& commandLine, const Document& document)
 
 int runWithWindow(const CommandLine& commandLine, const LoadedFiles& loaded)
 {
+    QApplication::setOrganizationName(QStringLiteral("VeskTimeline"));
+    QApplication::setApplicationName(QStringLiteral("vesk-timeline-workbench"));
     MainWindow window;
+    // Pictures are the same for everybody.
+    if (commandLine.action == CommandLine::Action::ShowWindow)
+        window.keepViewSettings(commandLine.theme);
+    else
+        window.theme()->setScheme(commandLine.theme.value_or(Theme::System));
     if (!commandLine.files.isEmpty())
         window.showDocument(loaded.document, commandLine.files);
     if (loaded.stretch != 1.0)

@@ -1,5 +1,7 @@
 #include "icons.h"
 
+#include "themed_icon_engine.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -26,7 +28,7 @@ bool hasIcon(const QString& name)
 
 QIcon icon(const QString& name)
 {
-    return QIcon(QStringLiteral("icon:%1.svg").arg(name));
+    return QIcon(new ThemedIconEngine(QStringLiteral("icon:%1.svg").arg(name)));
 }
 
 } // namespace Workbench

@@ -9,7 +9,7 @@ namespace Workbench {
 /// the first widget is made; further calls do nothing.
 void registerIcons();
 
-/// The icon "icon:NAME.svg". All of them are readable on light and on dark ground.
+/// The icon "icon:NAME.svg", its lines in the palette's colour whenever it is painted, see ThemedIconEngine.
 QIcon icon(const QString& name);
 
 /// Whether there is a drawing of that name.

@@ -3,6 +3,8 @@
 #include "icons.h"
 #include "item_hover_text.h"
 #include "load_files.h"
+#include "theme.h"
+#include "view_settings.h"
 
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_header_view.h>
@@ -101,7 +103,6 @@ void MainWindow::createTimeline()
     m_timeline = new TimelineWidget(this);
     setCentralWidget(m_timeline);
     m_model = std::make_unique<StandardTimelineModel>(view());
-    m_model->setSnapEnabled(true);
     m_timeline->setModel(m_model.get());
     view()->setItemDelegate(new RowDelegate(view()));
     view()->setUniformRowHeights(true);
@@ -109,10 +110,10 @@ void MainWindow::createTimeline()
 
     TimelineHeaderView* const header = m_timeline->header();
     header->setTrackLabel(tr("Track"));
-    header->setLimitsVisible(true);
-    header->setIndicatorVisible(true);
-    header->setHoverVisible(true);
-    connect(view(), &TimelineView::zoomChanged, this, &MainWindow::updateRulerFormat);
+    m_viewSettings = new ViewSettings(m_timeline);
+    m_theme = new Theme(this);
+    m_timeline->setZoomInIcon(icon(QStringLiteral("pnx_zoom_in")));
+    m_timeline->setZoomOutIcon(icon(QStringLiteral("pnx_zoom_out")));
     connect(m_model.get(), &QAbstractItemModel::rowsInserted, this, &MainWindow::updateStatus);
     connect(m_model.get(), &QAbstractItemModel::rowsRemoved, this, &MainWindow::forgetRemovedItems);
     connect(m_model.get(), &StandardTimelineModel::itemsAdded, this, &MainWindow::updateStatus);
@@ -152,13 +153,6 @@ void MainWindow::fitNameColumn()
     constexpr int widest = 400;
     const int width = widestName(*view(), *m_model->rootTrack(), 1) + buttonWidth + margin;
     m_timeline->header()->resizeSection(0, std::clamp(width, narrowest, widest));
-}
-
-// Labels have room for the time of day only; the date stands at the limits.
-void MainWindow::updateRulerFormat(Zoom::Factor factor)
-{
-    const bool showsSeconds = Zoom::majorInterval(factor) % Zoom::SixtySeconds != 0;
-    m_timeline->header()->setDateTimeFormat(showsSeconds ? DateTime::DTGShort : DateTime::DTGVeryShort);
 }
 
 void MainWindow::forgetRemovedItems()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "theme.h"
 #include "time_stretches.h"
 
 #include <VeskTimeline/timeline_utils.h>
@@ -10,6 +11,7 @@
 #include <QMainWindow>
 
 #include <memory>
+#include <optional>
 
 class QAction;
 class QLabel;
@@ -25,6 +27,8 @@ struct DocumentFormat;
 } // namespace VeskTimeline
 
 namespace Workbench {
+
+class ViewSettings;
 
 /// The workbench's window: a timeline with everything switched on, a tool bar, and a status bar that says what is
 /// loaded.
@@ -50,6 +54,12 @@ public:
     VeskTimeline::TimelineWidget* timeline() const { return m_timeline; }
     VeskTimeline::Kit::StandardTimelineModel* model() const { return m_model.get(); }
 
+    ViewSettings* viewSettings() const { return m_viewSettings; }
+    Theme* theme() const { return m_theme; }
+    /// Takes over how the user left look and settings of the view, and keeps them from now on.
+    /// @param look for this time only; nothing: as the user left it
+    void keepViewSettings(std::optional<Theme::Scheme> look = std::nullopt);
+
     /// The stretch that is shown, from 0.
     int stretch() const { return m_stretch; }
     int stretchCount() const { return m_stretches.count(); }
@@ -72,7 +82,6 @@ private:
 
     void askForFiles();
     void fitNameColumn();
-    void updateRulerFormat(VeskTimeline::Zoom::Factor factor);
     void forgetRemovedItems();
 
     void showStretch(int index);
@@ -86,6 +95,8 @@ private:
 
     VeskTimeline::TimelineWidget* m_timeline = nullptr;
     std::unique_ptr<VeskTimeline::Kit::StandardTimelineModel> m_model;
+    ViewSettings* m_viewSettings = nullptr;
+    Theme* m_theme = nullptr;
     TimeStretches m_stretches;
     int m_stretch = 0;
     QStringList m_warnings;

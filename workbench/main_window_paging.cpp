@@ -54,7 +54,6 @@ void MainWindow::showFromStart()
     showStretch(0);
     view()->setZoomFactor(view()->upperZoomFactor());
     view()->setCurrentTime(view()->startTime());
-    updateRulerFormat(view()->zoomFactor());
 }
 
 // Stretches without items are passed over: there can be thousands of them.

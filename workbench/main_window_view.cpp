@@ -1,14 +1,23 @@
 #include "main_window.h"
+#include "view_menus.h"
+#include "view_settings.h"
 
 #include <VeskTimeline/timeline_widget.h>
 
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSettings>
 
 namespace Workbench {
 
 using VeskTimeline::TimelineWidget;
+
+namespace {
+
+const QString themeKey = QStringLiteral("view/theme");
+
+} // namespace
 
 void MainWindow::createViewMenu()
 {
@@ -21,11 +30,26 @@ void MainWindow::createViewMenu()
     connect(addMenuAction(menu, "fit", tr("&Fit"), tr("Ctrl+0")), &QAction::triggered, this,
             &MainWindow::showFromStart);
     menu->addSeparator();
-    QAction* const snap = addMenuAction(menu, "snap", tr("&Snap"));
-    snap->setToolTip(tr("Items snap to whole steps and to each other's edges"));
-    snap->setCheckable(true);
-    snap->setChecked(m_timeline->isSnapEnabled());
-    connect(snap, &QAction::toggled, m_timeline, &TimelineWidget::setSnapEnabled);
+    addSnapEntries(menu, m_viewSettings);
+    menu->addSeparator();
+    addLiveEntries(menu, m_viewSettings);
+    menu->addSeparator();
+    addRulerEntries(menu, m_viewSettings);
+    menu->addSeparator();
+    addThemeEntries(menu, m_theme);
+}
+
+void MainWindow::keepViewSettings(std::optional<Theme::Scheme> look)
+{
+    QSettings settings;
+    m_viewSettings->restore(settings);
+    const auto kept = Theme::schemeOf(settings.value(themeKey).toString());
+    m_theme->setScheme(look ? *look : kept.value_or(Theme::System));
+    connect(m_viewSettings, &ViewSettings::changed, this, [this] {
+        QSettings changed;
+        m_viewSettings->save(changed);
+    });
+    connect(m_theme, &Theme::changed, this, [this] { QSettings().setValue(themeKey, Theme::name(m_theme->scheme())); });
 }
 
 } // namespace Workbench
