@@ -71,7 +71,10 @@ void Theme::setScheme(Scheme scheme)
     if (scheme == m_scheme)
         return;
     m_scheme = scheme;
+    // The application announces the new palette as it does one of the system's.
+    m_isApplying = true;
     apply();
+    m_isApplying = false;
     Q_EMIT changed();
 }
 
@@ -120,7 +123,7 @@ std::optional<Theme::Scheme> Theme::schemeOf(const QString& name)
 
 bool Theme::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && m_scheme == System)
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && m_scheme == System && !m_isApplying)
         Q_EMIT changed();
     return QObject::eventFilter(watched, event);
 }

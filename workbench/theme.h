@@ -48,6 +48,7 @@ private:
     void apply();
 
     Scheme m_scheme = System;
+    bool m_isApplying = false;
     const QString m_systemStyle;
 };
 

@@ -6,6 +6,7 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QFile>
 #include <QLabel>
 #include <QRegularExpression>
@@ -17,6 +18,7 @@
 #include <workbench/icons.h>
 #include <workbench/item_hover_text.h>
 #include <workbench/main_window.h>
+#include <workbench/theme.h>
 
 using namespace VeskTimeline;
 using Workbench::MainWindow;
@@ -305,14 +307,22 @@ private Q_SLOTS:
 
     void iconsCanBeDrawnAndSeenOnLightAndDarkGround_data()
     {
+        using Workbench::Theme;
         QTest::addColumn<QString>("name");
+        QTest::addColumn<Theme::Scheme>("scheme");
         Workbench::registerIcons();
-        for (const QString& file : QDir("icon:").entryList({"*.svg"}))
-            QTest::newRow(qPrintable(file)) << QFileInfo(file).baseName();
+        for (const QString& file : QDir("icon:").entryList({"*.svg"})) {
+            for (const Theme::Scheme scheme : {Theme::Light, Theme::Dark})
+                QTest::newRow(qPrintable(file + ' ' + Theme::name(scheme))) << QFileInfo(file).baseName() << scheme;
+        }
     }
     void iconsCanBeDrawnAndSeenOnLightAndDarkGround()
     {
         QFETCH(QString, name);
+        QFETCH(Workbench::Theme::Scheme, scheme);
+        Workbench::Theme theme;
+        theme.setScheme(scheme);
+        const int ground = QApplication::palette().color(QPalette::Button).lightness();
         const QImage image = Workbench::icon(name).pixmap(32, 32).toImage();
         QCOMPARE(image.size(), QSize(32, 32));
         int opaque = 0;
@@ -323,7 +333,7 @@ private Q_SLOTS:
                     continue;
                 ++opaque;
                 if (name != "vesk_timeline_workbench")
-                    QVERIFY(color.lightness() > 90 && color.lightness() < 190);
+                    QVERIFY(std::abs(color.lightness() - ground) > 100);
             }
         }
         QVERIFY2(opaque > 20, qPrintable(QString::number(opaque)));
