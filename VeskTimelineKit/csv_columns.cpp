@@ -87,7 +87,7 @@ QString CsvColumns::find(const CsvSample& sample, const QMap<CsvField, QStringLi
     }
     if (const QString reason = takeSaid(said); !reason.isEmpty())
         return reason;
-    if (const QString reason = takeOwnNames(); !reason.isEmpty())
+    if (const QString reason = takeOwnNames(said); !reason.isEmpty())
         return reason;
     takeSynonyms();
     takeTimesByContent();
@@ -136,10 +136,13 @@ QString CsvColumns::takeSaid(const QMap<CsvField, QStringList>& said)
     return {};
 }
 
-QString CsvColumns::takeOwnNames()
+QString CsvColumns::takeOwnNames(const QMap<CsvField, QStringList>& said)
 {
     for (const CsvField field : csvFields()) {
-        if (has(field))
+        // Where one says how long items are, the other is not meant.
+        const bool isOtherSaid = (field == CsvField::End && said.contains(CsvField::Duration)) ||
+                                 (field == CsvField::Duration && said.contains(CsvField::End));
+        if (has(field) || isOtherSaid)
             continue;
         for (qsizetype column = 0; column < m_sample.header.size(); ++column) {
             if (!isOwnName(column, field) || !isFree(column))

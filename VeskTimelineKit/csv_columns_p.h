@@ -60,7 +60,7 @@ public:
 
 private:
     QString takeSaid(const QMap<CsvField, QStringList>& said);
-    QString takeOwnNames();
+    QString takeOwnNames(const QMap<CsvField, QStringList>& said);
     void takeSynonyms();
     void takeSynonym(CsvField field);
     void takeTimesByContent();

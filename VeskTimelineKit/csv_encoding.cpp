@@ -51,16 +51,17 @@ ZeroBytes countZeros(const QByteArray& head)
     return zeros;
 }
 
-// Of text with blanks, digits and commas in it, a good part of the upper bytes is zero, and no lower one; and a header
-// line hardly starts with anything but a letter of ASCII.
+// Of text with blanks, digits and commas in it, a good part of the upper bytes is zero, and hardly any lower one; and
+// the first letter of a header line is mostly one of ASCII.
 bool looksLikeUtf16(const QByteArray& head, bool isBigEndian)
 {
     constexpr qsizetype leastShare = 3;
+    constexpr qsizetype mostOthers = 4;
     const ZeroBytes zeros = countZeros(head);
     const qsizetype upper = isBigEndian ? zeros.even : zeros.odd;
     const qsizetype lower = isBigEndian ? zeros.odd : zeros.even;
     const bool startsWithAscii = head.size() >= 2 && head.at(isBigEndian ? 0 : 1) == '\0';
-    return startsWithAscii && lower == 0 && upper * leastShare >= head.size() / 2;
+    return startsWithAscii && lower * mostOthers <= upper && upper * leastShare >= head.size() / 2;
 }
 
 bool hasFreePlaceOfWindows1252(const QByteArray& head)

@@ -116,7 +116,7 @@ QStringList csvSynonyms(CsvField field)
                 u"debut"_s,     u"début"_s,    u"inicio"_s,  u"desde"_s,     u"departure"_s,  u"depart"_s,
                 u"departs"_s,   u"departed"_s, u"abfahrt"_s, u"startzeit"_s, u"startdatum"_s, u"release"_s,
                 u"released"_s,  u"first"_s,    u"since"_s,   u"opened"_s,    u"open"_s,       u"launch"_s,
-                u"created"_s,   u"received"_s};
+                u"created"_s,   u"received"_s, u"when"_s};
     case CsvField::End:
         return {u"end"_s,     u"ends"_s,       u"ended"_s,     u"finish"_s,  u"finished"_s, u"finishes"_s,
                 u"until"_s,   u"till"_s,       u"through"_s,   u"to"_s,      u"ende"_s,     u"bis"_s,

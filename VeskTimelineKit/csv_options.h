@@ -25,6 +25,9 @@ VESKTIMELINEKIT_EXPORT QString csvFieldName(CsvField field);
 /// characters, and the tab.
 VESKTIMELINEKIT_EXPORT bool isCsvDelimiter(QChar c);
 
+/// Whether times can be in that zone: an IANA id, or an offset as "UTC+02:00".
+VESKTIMELINEKIT_EXPORT bool isCsvTimeZone(const QByteArray& id);
+
 /// How the bytes of a text file stand for characters. A byte order mark counts more than what is said.
 enum class CsvEncoding { Utf8, Utf16, Windows1252, Latin1 };
 

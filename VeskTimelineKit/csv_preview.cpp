@@ -29,7 +29,7 @@ CsvPreviewRecord previewRecord(const CsvRecordReader& records, CsvItemReader& it
     return record;
 }
 
-CsvPreview makePreview(CsvSource& source, const QString& fileName, const CsvOptions& options, int mostRecords)
+Result<CsvPreview> makePreview(CsvSource& source, const QString& fileName, const CsvOptions& options, int mostRecords)
 {
     const CsvPlan plan = makeCsvPlan(source, options);
     CsvPreview preview{plan.sample.header, plan.options, plan.guesses, {}, plan.problem};
@@ -39,7 +39,7 @@ CsvPreview makePreview(CsvSource& source, const QString& fileName, const CsvOpti
         preview.guesses.append(
             Tr::tr("there is no column for tracks: all items are in the track %1").arg(quotedText(defaultTrack)));
     if (plan.sample.header.isEmpty())
-        return preview;
+        return FileError{fileName, plan.problemLine, plan.problem};
     CsvItemReader items(plan, defaultTrack);
     CsvRecordReader records = csvRecords(source, plan);
     for (int skipped = plan.hasDelimiterLine ? 2 : 1; skipped > 0; --skipped)
@@ -70,10 +70,7 @@ Result<CsvPreview> previewCsv(const QString& fileName, const CsvOptions& options
         CsvSource source(file);
         if (file.error() != QFileDevice::NoError)
             return FileError{fileName, 0, file.errorString()};
-        CsvPreview preview = makePreview(source, fileName, options, mostRecords);
-        if (preview.header.isEmpty() && !preview.problem.isNull())
-            return FileError{fileName, 0, preview.problem};
-        return preview;
+        return makePreview(source, fileName, options, mostRecords);
     } catch (const QString& reason) {
         return FileError{fileName, 0, reason};
     }

@@ -1,5 +1,7 @@
 #include "csv_zone_p.h"
 
+#include <VeskTimelineKit/csv_options.h>
+
 #include <QDateTime>
 
 namespace VeskTimeline::Kit {
@@ -15,8 +17,15 @@ qint64 dayOf(qint64 local)
 
 } // namespace
 
+bool isCsvTimeZone(const QByteArray& id)
+{
+    // Ids that are not on the list of all zones are valid too, as CET; but so is nearly any word, as a rule without
+    // changes.
+    return QTimeZone::isTimeZoneIdAvailable(id) || QTimeZone(id).hasTransitions();
+}
+
 CsvZone::CsvZone(const QByteArray& id)
-    : m_zone(id.isEmpty() ? QByteArray("UTC") : id), m_isUtc(id.isEmpty() || id == "UTC")
+    : m_zone(isCsvTimeZone(id) ? QTimeZone(id) : QTimeZone()), m_isUtc(id.isEmpty() || id == "UTC")
 {
 }
 

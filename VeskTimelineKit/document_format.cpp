@@ -12,6 +12,7 @@
 #include <VeskTimelineKit/vtl_reader.h>
 #include <VeskTimelineKit/vtl_writer.h>
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -22,6 +23,8 @@ namespace VeskTimeline::Kit {
 namespace {
 
 using Formats = std::vector<const DocumentFormat*>;
+
+constexpr qint64 headSize = 4096;
 
 QByteArray withoutMarkAndBlanks(const QByteArray& head)
 {
@@ -39,10 +42,39 @@ bool isIcs(const QByteArray& head)
     return withoutMarkAndBlanks(head).toUpper().startsWith("BEGIN:VCALENDAR");
 }
 
-bool isTrace(const QByteArray& head)
+// What is packed, as far as it can be unpacked.
+QByteArray unpackedHead(QByteArray head)
+{
+    QBuffer buffer(&head);
+    buffer.open(QIODevice::ReadOnly);
+    QByteArray text(headSize, '\0');
+    try {
+        GzipReader reader(buffer);
+        text.truncate(reader.read(text.data(), text.size()));
+    } catch (const QString&) {
+        return {};
+    }
+    return text;
+}
+
+bool isJson(const QByteArray& head)
 {
     const QByteArray text = withoutMarkAndBlanks(head);
-    return text.startsWith('[') || text.startsWith('{') || GzipReader::isGzip(head);
+    return text.startsWith('[') || text.startsWith('{');
+}
+
+bool isTrace(const QByteArray& head)
+{
+    if (!GzipReader::isGzip(head))
+        return isJson(head);
+    const QByteArray text = unpackedHead(head);
+    return text.isEmpty() || isJson(text);
+}
+
+// Plain text of this kind cannot be told; but of what is read packed all else is JSON.
+bool isCsv(const QByteArray& head)
+{
+    return GzipReader::isGzip(head) && !isTrace(head);
 }
 
 bool isNinjaLog(const QByteArray& head)
@@ -71,7 +103,6 @@ Formats formatsWithSuffix(const QString& fileName)
 // Empty for anything but a regular file: what is read of a pipe would be missing later.
 QByteArray headOf(const QString& fileName)
 {
-    constexpr qint64 headSize = 4096;
     QFile file(fileName);
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
         return {};
@@ -85,7 +116,8 @@ std::vector<DocumentFormat> makeFormats()
              Tr::tr("Comma-separated values"),
              {QStringLiteral("csv"), QStringLiteral("csv.gz")},
              readCsv,
-             writeCsv},
+             writeCsv,
+             isCsv},
             {QStringLiteral("vtl"),
              Tr::tr("VeskTimeline document"),
              {QStringLiteral("vtl.json"), QStringLiteral("json")},

@@ -2,7 +2,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QTimeZone>
 
 #include <algorithm>
 #include <optional>
@@ -156,7 +155,7 @@ QString dateFormatOf(const QString& text)
 QByteArray timeZoneOf(const QString& text)
 {
     const QByteArray id = text.toUtf8();
-    if (id.isEmpty() || !QTimeZone(id).isValid())
+    if (!isCsvTimeZone(id))
         throw Fault(Tr::tr("there is no time zone \"%1\"").arg(text));
     return id;
 }

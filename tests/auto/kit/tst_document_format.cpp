@@ -5,7 +5,29 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <zlib.h>
+
 using namespace VeskTimeline::Kit;
+
+namespace {
+
+QByteArray packed(const QByteArray& text)
+{
+    z_stream stream{};
+    deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
+    QByteArray result(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(text.size()))) + 64, '\0');
+    QByteArray input = text;
+    stream.next_in = reinterpret_cast<Bytef*>(input.data());
+    stream.avail_in = static_cast<uInt>(input.size());
+    stream.next_out = reinterpret_cast<Bytef*>(result.data());
+    stream.avail_out = static_cast<uInt>(result.size());
+    deflate(&stream, Z_FINISH);
+    result.truncate(static_cast<qsizetype>(stream.total_out));
+    deflateEnd(&stream);
+    return result;
+}
+
+} // namespace
 
 class TestDocumentFormat : public QObject
 {
@@ -31,6 +53,7 @@ private Q_SLOTS:
         QCOMPARE(documentFormatBySuffix("a.csv.bak"), nullptr);
         QCOMPARE(documentFormatBySuffix("/a/.ninja_log")->name, "ninja");
         QCOMPARE(documentFormatBySuffix("a.json.gz")->name, "trace");
+        QCOMPARE(documentFormatBySuffix("a.csv.gz")->name, "csv");
     }
 
     void theLongerSuffixCounts()
@@ -58,8 +81,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("fileName");
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("format");
-        const auto row = [](const char* fileName, const char* content, const char* format) {
-            QTest::addRow("%s %s", fileName, content) << QString(fileName) << QByteArray(content) << QString(format);
+        const auto row = [](const char* fileName, const QByteArray& content, const char* format) {
+            QTest::addRow("%s %s", fileName, content.toPercentEncoding().constData())
+                << QString(fileName) << content << QString(format);
         };
         const char* const native = " {\n \"format\" : \"vesk-timeline\", \"version\":1}";
         row("a.csv", native, "csv");
@@ -79,6 +103,11 @@ private Q_SLOTS:
         row("a.txt", native, "vtl");
         row("a.txt", "[{", "trace");
         row("a.gz", "\x1f\x8b", "trace");
+        row("a.gz", packed("[]"), "trace");
+        row("a.gz", packed("track,label"), "csv");
+        row("a", packed("track,label").left(24), "csv");
+        row("a.json.gz", packed("track,label"), "trace");
+        row("a.csv.gz", packed("[]"), "csv");
         row("a.txt", "track,label", "csv");
         row("a.txt", "", "csv");
     }
