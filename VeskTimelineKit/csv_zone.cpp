@@ -19,9 +19,11 @@ qint64 dayOf(qint64 local)
 
 bool isCsvTimeZone(const QByteArray& id)
 {
-    // Ids that are not on the list of all zones are valid too, as CET; but so is nearly any word, as a rule without
-    // changes.
-    return QTimeZone::isTimeZoneIdAvailable(id) || QTimeZone(id).hasTransitions();
+    // Ids of the old kind are not on the list of all zones; but nearly any word is valid otherwise, as a rule.
+    static const QList<QByteArray> shortIds{"CET", "EET", "EST", "EST5EDT", "CST6CDT", "GMT",
+                                            "HST", "MET", "MST", "MST7MDT", "PST8PDT", "WET"};
+    const bool isOldId = id.contains('/') || shortIds.contains(id);
+    return QTimeZone::isTimeZoneIdAvailable(id) || (isOldId && QTimeZone(id).isValid());
 }
 
 CsvZone::CsvZone(const QByteArray& id)

@@ -400,7 +400,7 @@ private Q_SLOTS:
                            {CsvField::Label, {"start"}},
                            {CsvField::Duration, {"LEN"}}};
         const auto result = read("a,b,day,hour,start,len,end\nx/y,,2020-01-01,10:00,go,5,zzz\n", options);
-        QCOMPARE(itemTexts(result), QStringList{"x/y>(no b): go 1577872800000+5"});
+        QCOMPARE(itemTexts(result), QStringList{"x/y>(no b): go 1577872800000+5 end=zzz"});
         options.columns[CsvField::End] = QStringList{"nonsense"};
         QCOMPARE(itemTexts(read("\na,b,day,hour,start,len\n", options)),
                  QStringList{"f.csv:2: there is no column \"nonsense\""});
