@@ -227,6 +227,8 @@ QByteArray csvText(const Document& document)
 
 WriteResult writeCsv(const Document& document, const QString& fileName, const WriteOptions& options)
 {
+    if (fileName.endsWith(QStringLiteral(".gz"), Qt::CaseInsensitive))
+        return FileError{fileName, 0, Tr::tr("packed files are only read")};
     return writeFile(fileName, [&](QIODevice& device) { return CsvDocumentWriter(document, device, options).write(); });
 }
 

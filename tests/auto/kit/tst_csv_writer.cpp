@@ -220,7 +220,7 @@ private Q_SLOTS:
         Document document;
         document.track({"A"}).color = Qt::red;
         document.track({" B "}).items = {{"x", 0, 1, QColor::fromRgba64(1, 2, 3), true, {}, {{"a", ""}, {"b", ""}}},
-                                         {QString("a\0b", 3), 0, 1, {}, true, {}, {}},
+                                         {QString("a") + QChar(QChar::Null) + "b", 0, 1, {}, true, {}, {}},
                                          {QString(QChar(0xD800)) + "c", 0, 1, {}, true, {}, {}},
                                          {QString(1'000'001, u'x'), 0, 1, {}, true, {}, {}},
                                          {"far", 253'402'300'800'000, 1, {}, true, {}, {}}};
@@ -290,6 +290,9 @@ private Q_SLOTS:
         QCOMPARE(result.error().text(), fileName + ": No such file or directory");
         QVERIFY(!QFile::exists(fileName));
         QVERIFY(!writeCsv(trickyDocument(), dir.path()));
+        const QString packed = dir.filePath("out.csv.gz");
+        QCOMPARE(writeCsv(trickyDocument(), packed).error().text(), packed + ": packed files are only read");
+        QVERIFY(!QFile::exists(packed));
     }
 };
 
