@@ -339,6 +339,25 @@ private Q_SLOTS:
         QCOMPARE(itemTexts(read(text)), QStringList{error});
     }
 
+    void progressIsReportedAndReadingCanBeCancelled()
+    {
+        const QByteArray text = header + QByteArray("A,xxxxxxxxxxxxxxxxxxxxxxx,1,2\n").repeated(100'000);
+        QList<double> shares;
+        ReadOptions options;
+        options.progress = [&shares](double share) {
+            shares.append(share);
+            return true;
+        };
+        QCOMPARE(read(text, options).value().itemCount(), 100'000);
+        QVERIFY(shares.size() > 2);
+        QVERIFY(std::is_sorted(shares.begin(), shares.end()));
+        QCOMPARE(shares.first(), 0.0);
+        QVERIFY(shares.last() > 0.5 && shares.last() <= 1.0);
+
+        options.progress = [](double share) { return share == 0.0; };
+        QCOMPARE(itemTexts(read(text, options)), QStringList{"f.csv: reading was cancelled"});
+    }
+
     void aFileIsRead()
     {
         QTemporaryDir dir;
