@@ -3,6 +3,7 @@
 #include "icons.h"
 #include "item_hover_text.h"
 #include "load_files.h"
+#include "navigation.h"
 #include "theme.h"
 #include "view_settings.h"
 
@@ -13,7 +14,6 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QApplication>
-#include <QDateTime>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -26,13 +26,6 @@ using namespace VeskTimeline::Kit;
 namespace {
 
 constexpr QSize startSize(1200, 640);
-
-// What an empty window shows.
-TimeSpan today()
-{
-    const qint64 start = QDateTime(QDateTime::currentDateTimeUtc().date(), QTime(0, 0), Qt::UTC).toMSecsSinceEpoch();
-    return {start, start + Zoom::OneDay};
-}
 
 QString titleOf(const QStringList& fileNames)
 {
@@ -71,11 +64,12 @@ protected:
 
 } // namespace
 
-MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_stretches(today())
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent)
 {
     registerIcons();
     setWindowIcon(icon(QStringLiteral("vesk_timeline_workbench")));
     createTimeline();
+    createNavigation();
     createStatusBar();
     createFileMenu();
     createEditMenu();
@@ -90,7 +84,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), m_stretches(today
 MainWindow::~MainWindow()
 {
     // The model, a member, must outlive the view, which as a child would outlive it.
-    delete m_timeline;
+    delete centralWidget();
 }
 
 TimelineView* MainWindow::view() const
@@ -101,7 +95,6 @@ TimelineView* MainWindow::view() const
 void MainWindow::createTimeline()
 {
     m_timeline = new TimelineWidget(this);
-    setCentralWidget(m_timeline);
     m_model = std::make_unique<StandardTimelineModel>(view());
     m_timeline->setModel(m_model.get());
     view()->setItemDelegate(new RowDelegate(view()));
@@ -137,10 +130,10 @@ void MainWindow::showDocument(const Document& document, const QStringList& fileN
     view()->expandAll();
     fitNameColumn();
 
-    m_stretches = TimeStretches(document.span().value_or(today()));
     m_warnings = document.warnings();
     setWindowTitle(titleOf(fileNames));
-    showFromStart();
+    m_navigation->fit();
+    updateStatus();
     m_timeline->header()->setIndicatorTime(view()->currentTime() + view()->zoomFactor() / 2);
 }
 

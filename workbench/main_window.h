@@ -1,7 +1,6 @@
 #pragma once
 
 #include "theme.h"
-#include "time_stretches.h"
 
 #include <VeskTimeline/timeline_utils.h>
 #include <VeskTimelineKit/document.h>
@@ -28,12 +27,15 @@ struct DocumentFormat;
 
 namespace Workbench {
 
+class FindBar;
+class Navigation;
+class OverviewStrip;
 class ViewSettings;
 
 /// The workbench's window: a timeline with everything switched on, a tool bar, and a status bar that says what is
 /// loaded.
 ///
-/// A timeline longer than the view can hold is shown in stretches, see TimeStretches, which the user pages through.
+/// Navigation moves through a document of any length, and the overview strip below the timeline shows all of it.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -59,10 +61,8 @@ public:
     /// Takes over how the user left look and settings of the view, and keeps them from now on.
     /// @param look for this time only; nothing: as the user left it
     void keepViewSettings(std::optional<Theme::Scheme> look = std::nullopt);
-
-    /// The stretch that is shown, from 0.
-    int stretch() const { return m_stretch; }
-    int stretchCount() const { return m_stretches.count(); }
+    /// Whatever moves the window of the timeline does so through this.
+    Navigation* navigation() const { return m_navigation; }
 
 private:
     VeskTimeline::TimelineView* view() const;
@@ -84,12 +84,10 @@ private:
     void fitNameColumn();
     void forgetRemovedItems();
 
-    void showStretch(int index);
-    void showFromStart();
-    void pageTo(int direction);
-    void goToTime(qint64 time);
-    void goToFirstItem();
-    void goToLastItem();
+    void createNavigation();
+    void addFindActions(QMenu* menu);
+    void addStepActions(QMenu* menu);
+    void goToDateAndTime();
     void updatePaging();
     void updateStatus();
 
@@ -97,13 +95,13 @@ private:
     std::unique_ptr<VeskTimeline::Kit::StandardTimelineModel> m_model;
     ViewSettings* m_viewSettings = nullptr;
     Theme* m_theme = nullptr;
-    TimeStretches m_stretches;
-    int m_stretch = 0;
+    Navigation* m_navigation = nullptr;
+    OverviewStrip* m_overviewStrip = nullptr;
+    FindBar* m_findBar = nullptr;
     QStringList m_warnings;
-    QAction* m_previousStretch = nullptr;
-    QAction* m_nextStretch = nullptr;
+    QAction* m_previousPart = nullptr;
+    QAction* m_nextPart = nullptr;
     QLabel* m_contentLabel = nullptr;
-    QLabel* m_stretchLabel = nullptr;
     QLabel* m_warningLabel = nullptr;
 };
 

@@ -1,5 +1,9 @@
 #include "icons.h"
 #include "main_window.h"
+#include "navigation.h"
+
+#include <VeskTimelineKit/standard_timeline_model.h>
+#include <VeskTimelineKit/time_text.h>
 
 #include <QAction>
 #include <QLabel>
@@ -9,6 +13,21 @@
 #include <QToolButton>
 
 namespace Workbench {
+
+using namespace VeskTimeline;
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+int itemCount(const Track& track)
+{
+    int count = track.itemCount();
+    for (const TrackPtr& child : track.tracks())
+        count += itemCount(*child);
+    return count;
+}
+
+} // namespace
 
 QAction* MainWindow::addMenuAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& shortcut)
 {
@@ -54,11 +73,23 @@ void MainWindow::createToolBar()
 void MainWindow::createStatusBar()
 {
     m_contentLabel = new QLabel(this);
-    m_stretchLabel = new QLabel(this);
     m_warningLabel = new QLabel(this);
     statusBar()->addWidget(m_contentLabel);
-    statusBar()->addWidget(m_stretchLabel);
     statusBar()->addPermanentWidget(m_warningLabel);
+}
+
+void MainWindow::updateStatus()
+{
+    const int tracks = m_model->trackCount();
+    const int items = itemCount(*m_model->rootTrack());
+    QString content = (tracks == 1 ? tr("1 track") : tr("%1 tracks").arg(tracks)) + QStringLiteral(", ") +
+                      (items == 1 ? tr("1 item") : tr("%1 items").arg(items));
+    if (const auto span = m_navigation->documentSpan())
+        content += tr(", %1 – %2").arg(formatTime(span->start), formatTime(span->end));
+    m_contentLabel->setText(content);
+    m_warningLabel->setVisible(!m_warnings.isEmpty());
+    m_warningLabel->setText(m_warnings.size() == 1 ? tr("1 warning") : tr("%1 warnings").arg(m_warnings.size()));
+    m_warningLabel->setToolTip(m_warnings.join(u'\n'));
 }
 
 } // namespace Workbench

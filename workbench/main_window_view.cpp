@@ -1,4 +1,5 @@
 #include "main_window.h"
+#include "navigation.h"
 #include "view_menus.h"
 #include "view_settings.h"
 
@@ -27,8 +28,7 @@ void MainWindow::createViewMenu()
             &TimelineWidget::onZoomIn);
     connect(addMenuAction(menu, "pnx_zoom_out", tr("Zoom &out"), QKeySequence::ZoomOut), &QAction::triggered,
             m_timeline, &TimelineWidget::onZoomOut);
-    connect(addMenuAction(menu, "fit", tr("&Fit"), tr("Ctrl+0")), &QAction::triggered, this,
-            &MainWindow::showFromStart);
+    connect(addMenuAction(menu, "fit", tr("&Fit"), tr("Ctrl+0")), &QAction::triggered, m_navigation, &Navigation::fit);
     menu->addSeparator();
     addSnapEntries(menu, m_viewSettings);
     menu->addSeparator();

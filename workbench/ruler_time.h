@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+namespace Workbench {
+
+/// Hours that the zone which the ruler shows is ahead of UTC.
+int rulerOffsetHours();
+
+/// A point in time, milliseconds since the epoch, in the zone that the ruler shows.
+QDateTime rulerDateTime(qint64 time);
+
+/// "1972-12-07 05:33:00Z": in the zone that the ruler shows, whose letter stands behind it; milliseconds only where
+/// there are any.
+QString rulerTimeText(qint64 time);
+
+} // namespace Workbench
