@@ -47,6 +47,7 @@ void OverviewStrip::paintEvent(QPaintEvent* /*event*/)
     paintWindow(&painter);
     paintIndicator(&painter);
     if (hasFocus()) {
+        painter.setBrush(Qt::NoBrush);
         painter.setPen(translucent(palette().color(QPalette::Highlight), 160));
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }

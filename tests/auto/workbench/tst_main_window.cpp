@@ -9,16 +9,21 @@
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <workbench/find_bar.h>
+#include <workbench/go_to_dialog.h>
 #include <workbench/icons.h>
 #include <workbench/item_hover_text.h>
 #include <workbench/main_window.h>
 #include <workbench/theme.h>
+#include <workbench/navigation.h>
+#include <workbench/overview_strip.h>
 
 using namespace VeskTimeline;
 using Workbench::MainWindow;
@@ -202,48 +207,97 @@ private Q_SLOTS:
     void aLongTimelineIsPagedThroughWithoutEmptyParts()
     {
         MainWindow window;
-        // Items in the first, second and eleventh stretch of 24 days; the second reaches over an edge.
+        // The second reaches over the edge of a window.
         window.openFiles(
             {write("long.csv", QByteArray("track,label,start,end\nA,first,0,1000\nA,over,") +
-                                   QByteArray::number(24 * day - 5000) + ',' + QByteArray::number(24 * day + 5000) +
-                                   "\nA,last," + QByteArray::number(240 * day + 1000) + ',' +
-                                   QByteArray::number(241 * day) + '\n')});
-        QCOMPARE(window.stretchCount(), 11);
+                                   QByteArray::number(day - 5000) + ',' + QByteArray::number(day + 5000) + "\nA,last," +
+                                   QByteArray::number(240 * day + 1000) + ',' + QByteArray::number(241 * day) + '\n')});
         QCOMPARE(window.timeline()->startTime(), 0);
-        QCOMPARE(window.timeline()->endTime(), 24 * day);
-        QCOMPARE(statusTexts(window), (QStringList{"1 track, 3 items, 1970-01-01T00:00:00Z – 1970-08-30T00:00:00Z",
-                                                   "Part 1 of 11: 1970-01-01T00:00:00Z – 1970-01-25T00:00:00Z"}));
+        QCOMPARE(window.navigation()->reach().end, 241 * day);
+        QCOMPARE(statusTexts(window), QStringList{"1 track, 3 items, 1970-01-01T00:00:00Z – 1970-08-30T00:00:00Z"});
         QAction* const next = action(window, "next_part");
         QAction* const previous = action(window, "previous_part");
-        QVERIFY(next->isVisible() && next->isEnabled() && !previous->isEnabled());
+        QVERIFY(next->isEnabled() && !previous->isEnabled());
 
         next->trigger();
-        QCOMPARE(window.stretch(), 1);
-        QCOMPARE(window.timeline()->currentTime(), 24 * day);
+        QCOMPARE(window.timeline()->currentTime(), day);
         next->trigger();
-        QCOMPARE(window.stretch(), 10);
-        QCOMPARE(window.timeline()->startTime(), 240 * day);
+        QCOMPARE(window.timeline()->currentTime(), 240 * day);
         QVERIFY(!next->isEnabled() && previous->isEnabled());
         previous->trigger();
-        QCOMPARE(window.stretch(), 1);
+        QCOMPARE(window.timeline()->currentTime(), day + 5000 - day / 2);
         previous->trigger();
-        QCOMPARE(window.stretch(), 0);
+        QCOMPARE(window.timeline()->currentTime(), 0);
 
         action(window, "last_item")->trigger();
-        QCOMPARE(window.stretch(), 10);
-        QCOMPARE(window.timeline()->currentTime(), window.timeline()->endTime() - window.timeline()->zoomFactor());
+        QCOMPARE(window.timeline()->currentTime(), 240 * day);
         action(window, "first_item")->trigger();
-        QCOMPARE(window.stretch(), 0);
         QCOMPARE(window.timeline()->currentTime(), 0);
     }
 
-    void aTimelineThatFitsHasNoPaging()
+    void stepsMoveTheWindow()
     {
         MainWindow window;
         window.openFiles({sample});
-        QVERIFY(!action(window, "next_part")->isVisible());
-        QVERIFY(!action(window, "previous_part")->isVisible());
-        QCOMPARE(window.stretchCount(), 1);
+        action(window, "day_forward")->trigger();
+        QCOMPARE(window.timeline()->currentTime(), sampleStart + day);
+        action(window, "hour_back")->trigger();
+        action(window, "minute_back")->trigger();
+        QCOMPARE(window.timeline()->currentTime(), sampleStart + day - 3'660'000);
+        action(window, "minute_forward")->trigger();
+        action(window, "hour_forward")->trigger();
+        action(window, "day_back")->trigger();
+        QCOMPARE(window.timeline()->currentTime(), sampleStart);
+    }
+
+    void findShowsTheBarAndGoesFromMatchToMatch()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        window.show();
+        auto* const bar = window.findChild<Workbench::FindBar*>();
+        QVERIFY(!bar->isVisible());
+        action(window, "find")->trigger();
+        QVERIFY(bar->isVisible());
+        QTest::keyClicks(bar->field(), "main parachutes");
+        QTRY_COMPARE(bar->countText(), "1 of 1");
+        QCOMPARE(window.timeline()->view()->selectedItemIds().size(), 1);
+        bar->field()->setText("EVA-");
+        QTRY_COMPARE(bar->countText(), "1 of 8");
+        action(window, "find_next")->trigger();
+        QCOMPARE(bar->countText(), "2 of 8");
+        action(window, "find_previous")->trigger();
+        QCOMPARE(bar->countText(), "1 of 8");
+        QTest::keyClick(bar->field(), Qt::Key_Escape);
+        QVERIFY(!bar->isVisible());
+    }
+
+    void goToAsksForATime()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        window.show();
+        action(window, "go_to")->trigger();
+        auto* const dialog = window.findChild<Workbench::GoToDialog*>();
+        QVERIFY(dialog && dialog->isVisible());
+        dialog->field()->setText("1972-12-14");
+        QTest::keyClick(dialog->field(), Qt::Key_Return);
+        QCOMPARE(window.timeline()->currentTime(), 93'139'200'000);
+        QTRY_VERIFY(!window.findChild<Workbench::GoToDialog*>());
+    }
+
+    void theOverviewIsBelowTheTimeline()
+    {
+        MainWindow window;
+        window.openFiles({sample});
+        window.show();
+        auto* const strip = window.findChild<Workbench::OverviewStrip*>();
+        QVERIFY(strip && strip->isVisible());
+        QVERIFY(strip->height() >= 40 && strip->height() <= 56);
+        QVERIFY(strip->mapTo(&window, QPoint()).y() >= window.timeline()->geometry().bottom());
+        QTest::mouseClick(strip, Qt::LeftButton, Qt::NoModifier, QPoint(strip->width() / 2, 10));
+        const qint64 middle = (sampleStart + sampleEnd - day) / 2;
+        QVERIFY(qAbs(window.timeline()->currentTime() - middle) < day / 24);
     }
 
     void fitGoesBackToTheStartAtTheWidestZoom()
