@@ -43,20 +43,20 @@ FindBar::FindBar(Navigation* navigation, QWidget* parent)
     m_field->setMaximumWidth(320);
     m_field->installEventFilter(this);
 
-    const auto button = [this](QStyle::StandardPixmap picture, const QString& text) {
+    const auto button = [this](const char* name, const QString& text) {
         auto* const made = new QToolButton(this);
+        made->setObjectName(QString::fromLatin1(name));
         made->setAutoRaise(true);
-        made->setIcon(style()->standardIcon(picture));
         made->setToolTip(text);
         made->setAccessibleName(text);
         return made;
     };
-    QToolButton* const previous = button(QStyle::SP_ArrowUp, tr("Previous match (Shift+Return)"));
-    QToolButton* const next = button(QStyle::SP_ArrowDown, tr("Next match (Return)"));
-    QToolButton* const closing = button(QStyle::SP_TitleBarCloseButton, tr("Close (Escape)"));
-    previous->setObjectName(QStringLiteral("findPreviousButton"));
-    next->setObjectName(QStringLiteral("findNextButton"));
-    closing->setObjectName(QStringLiteral("closeFindBarButton"));
+    QToolButton* const previous = button("findPreviousButton", tr("Previous match (Shift+Return)"));
+    previous->setArrowType(Qt::UpArrow);
+    QToolButton* const next = button("findNextButton", tr("Next match (Return)"));
+    next->setArrowType(Qt::DownArrow);
+    QToolButton* const closing = button("closeFindBarButton", tr("Close (Escape)"));
+    closing->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
 
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 2, 6, 2);
