@@ -74,6 +74,8 @@ FindBar::FindBar(Navigation* navigation, QWidget* parent)
     connect(previous, &QToolButton::clicked, this, &FindBar::findPrevious);
     connect(next, &QToolButton::clicked, this, &FindBar::findNext);
     connect(closing, &QToolButton::clicked, this, &FindBar::close);
+    // The ids of one document mean something else in the next.
+    connect(navigation->model(), &QAbstractItemModel::modelReset, this, [this] { m_current.reset(); });
     connect(&m_search, &ItemSearch::progressed, this, &FindBar::showCount);
     connect(&m_search, &ItemSearch::finished, this, &FindBar::onFinished);
     hide();
@@ -252,14 +254,18 @@ bool FindBar::eventFilter(QObject* watched, QEvent* event)
     if (watched != m_field || event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const auto* const key = static_cast<QKeyEvent*>(event);
-    if (key->key() == Qt::Key_Escape) {
-        close();
-        return true;
-    }
     if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter)
         return QWidget::eventFilter(watched, event);
     find(key->modifiers().testFlag(Qt::ShiftModifier) ? -1 : 1);
     return true;
+}
+
+void FindBar::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 } // namespace Workbench

@@ -39,8 +39,8 @@ OverviewStrip::OverviewStrip(Navigation* navigation, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(&m_density, &OverviewDensity::changed, this, &OverviewStrip::forgetPicture);
-    connect(navigation, &Navigation::documentSpanChanged, this, &OverviewStrip::forgetPicture);
+    connect(&m_density, &OverviewDensity::changed, this, &OverviewStrip::refresh);
+    connect(navigation, &Navigation::documentSpanChanged, this, &OverviewStrip::refresh);
     connect(navigation, &Navigation::windowChanged, this, &OverviewStrip::showWindow);
     if (const TimelineHeaderView* const header = navigation->widget()->header()) {
         const auto repaint = qOverload<>(&QWidget::update);
@@ -261,16 +261,16 @@ bool OverviewStrip::event(QEvent* event)
 void OverviewStrip::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    forgetPicture();
+    refresh();
 }
 
 void OverviewStrip::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
-    forgetPicture();
+    refresh();
 }
 
-void OverviewStrip::forgetPicture()
+void OverviewStrip::refresh()
 {
     m_picture = QPixmap();
     describe();

@@ -37,6 +37,10 @@ public:
     QRectF windowFrame() const;
     const OverviewDensity& density() const { return m_density; }
 
+public Q_SLOTS:
+    /// Paints all anew; to be called when the zone that the ruler shows has changed, which announces itself to nobody.
+    void refresh();
+
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -58,7 +62,6 @@ private:
     void endDrag();
     void takeDragBack();
     void showWindow();
-    void forgetPicture();
     void describe();
     int chartHeight() const;
 

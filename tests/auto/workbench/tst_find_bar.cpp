@@ -243,6 +243,32 @@ private Q_SLOTS:
         QCOMPARE(f.selected(), piece);
     }
 
+    void escapeClosesTheBarFromEachOfItsControls()
+    {
+        FindFixture f;
+        f.bar->open();
+        QTest::keyClick(f.bar->detailsBox(), Qt::Key_Escape);
+        QVERIFY(!f.bar->isVisible());
+        f.bar->open();
+        QTest::mouseClick(f.bar->findChild<QToolButton*>("closeFindBarButton"), Qt::LeftButton);
+        QVERIFY(!f.bar->isVisible());
+    }
+
+    void anotherDocumentIsSearchedFromItsStart()
+    {
+        FindFixture f;
+        f.bar->open();
+        f.type("burn");
+        f.pressReturn();
+        QCOMPARE(f.bar->countText(), "2 of 4");
+        Document other;
+        for (int i = 0; i < 3; ++i)
+            other.track({"X"}).items.push_back({QStringLiteral("burn %1").arg(i), i * day, hour, {}, true});
+        f.view()->clearSelectedItems();
+        f.model.setDocument(other);
+        QTRY_COMPARE(f.bar->countText(), "3 matches");
+    }
+
     void aClosedBarDoesNotSearch()
     {
         FindFixture f;

@@ -1,6 +1,8 @@
 #include "navigation_fixture.h"
 #include "support/input.h"
 
+#include <hoxtools/dtg.h>
+
 #include <QHelpEvent>
 #include <QImage>
 #include <QRegularExpression>
@@ -211,6 +213,21 @@ private Q_SLOTS:
         f.release(600);
         QCOMPARE(f.start(), 0);
         QCOMPARE(f.view()->zoomFactor(), Zoom::OneDay);
+    }
+
+    void timesAreInTheZoneOfTheRuler()
+    {
+        StripFixture f(20 * hour);
+        const QImage before = f.strip->grab().toImage();
+        DTG::setTimezone('C');
+        f.strip->refresh();
+        const QImage after = f.strip->grab().toImage();
+        const QString description = f.strip->accessibleDescription();
+        const QStringList texts = labels({0, 4 * hour}, 400);
+        DTG::setTimezone('Z');
+        QVERIFY(before != after);
+        QCOMPARE(description, "Shown: 1970-01-01 03:00:00C – 1970-01-02 03:00:00C");
+        QCOMPARE(texts.first(), "03:00");
     }
 
     void theToolTipSaysTheTimeUnderThePointer()
