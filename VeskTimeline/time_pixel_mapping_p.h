@@ -13,7 +13,7 @@ namespace VeskTimeline {
 struct TimePixelMapping
 {
     qint64 currentTime; ///< time at `left`, milliseconds since the epoch
-    int span;           ///< milliseconds between `left` and `right`
+    qint64 span;        ///< milliseconds between `left` and `right`
     int left;
     int right;
 
@@ -23,7 +23,7 @@ struct TimePixelMapping
 
     int toPixel(qint64 time) const
     {
-        const double ratio = (static_cast<double>(time) - static_cast<double>(currentTime)) / span;
+        const double ratio = (static_cast<double>(time) - static_cast<double>(currentTime)) / static_cast<double>(span);
         const double pixel = left + (right - left) * ratio;
         return static_cast<int>(std::clamp<double>(pixel, -farAway, farAway));
     }
@@ -34,7 +34,7 @@ struct TimePixelMapping
         if (right == left)
             return currentTime;
         const double share = (static_cast<double>(x) - left) / (right - left);
-        return static_cast<qint64>(static_cast<double>(currentTime) + share * span);
+        return static_cast<qint64>(static_cast<double>(currentTime) + share * static_cast<double>(span));
     }
 };
 

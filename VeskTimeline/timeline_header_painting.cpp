@@ -20,46 +20,80 @@ constexpr int tickLabelWidth = 160;
 constexpr int timeTextHeight = 19;
 constexpr int timeTextPadding = 4;
 
-QColor textColor()
+QPen rulerPen(const QColor& color, qreal width)
 {
-    return QApplication::palette().color(QPalette::Text);
+    return {QBrush(color), width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
 }
 
-QPen rulerPen(qreal width)
+struct LimitMarker
 {
-    return {QBrush(textColor()), width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
+    QLine line;
+    QPolygon triangle;
+
+    void paint(QPainter* painter, const QColor& color) const
+    {
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(color);
+        painter->setBrush(color);
+        painter->drawLine(line);
+        painter->drawPolygon(triangle);
+    }
+};
+
+LimitMarker startMarker()
+{
+    return {QLine(1, 0, 1, 10), QPolygon({QPoint(4, 5), QPoint(10, 0), QPoint(10, 10)})};
 }
 
-QPixmap limitMarker(const QLine& line, const QPolygon& triangle)
+LimitMarker endMarker()
 {
-    QPixmap marker(markerSize, markerSize);
-    marker.fill(Qt::transparent);
-    QPainter painter(&marker);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(textColor());
-    painter.setBrush(textColor());
-    painter.drawLine(line);
-    painter.drawPolygon(triangle);
-    return marker;
+    return {QLine(10, 0, 10, 10), QPolygon({QPoint(6, 5), QPoint(0, 0), QPoint(0, 10)})};
 }
 
-// A text on the ruler's background, so that it stays readable over ticks and labels.
-void paintTimeText(QPainter* painter, const QRect& box, const QString& text)
+QPixmap pictureOf(const LimitMarker& marker)
 {
-    painter->fillRect(box, TimelineHeaderView::backgroundColor());
-    painter->drawText(box, Qt::AlignCenter, text);
+    QPixmap picture(markerSize, markerSize);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    marker.paint(&painter, QApplication::palette().color(QPalette::Text));
+    return picture;
+}
+
+void paintAt(QPainter* painter, const QPoint& position, const LimitMarker& marker, const QColor& color)
+{
+    painter->save();
+    painter->translate(position);
+    marker.paint(painter, color);
+    painter->restore();
 }
 
 } // namespace
 
 QPixmap getMinLimitIndicator()
 {
-    return limitMarker(QLine(1, 0, 1, 10), QPolygon({QPoint(4, 5), QPoint(10, 0), QPoint(10, 10)}));
+    return pictureOf(startMarker());
 }
 
 QPixmap getMaxLimitIndicator()
 {
-    return limitMarker(QLine(10, 0, 10, 10), QPolygon({QPoint(6, 5), QPoint(0, 0), QPoint(0, 10)}));
+    return pictureOf(endMarker());
+}
+
+QColor TimelineHeaderView::textColor() const
+{
+    return m_ownScale ? m_ownScale->palette.color(QPalette::Text) : QApplication::palette().color(QPalette::Text);
+}
+
+QColor TimelineHeaderView::fillColor() const
+{
+    return m_ownScale ? m_ownScale->palette.color(QPalette::Base) : backgroundColor();
+}
+
+// On the ruler's background, so that the text stays readable over ticks and labels.
+void TimelineHeaderView::paintTimeText(QPainter* painter, const QRect& box, const QString& text) const
+{
+    painter->fillRect(box, fillColor());
+    painter->drawText(box, Qt::AlignCenter, text);
 }
 
 int TimelineHeaderView::tickBaseline(const QRect& rect) const
@@ -79,8 +113,8 @@ void TimelineHeaderView::paintTrackLabel(QPainter* painter, const QRect& rect) c
 {
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    painter->fillRect(rect, backgroundColor());
-    painter->setPen(rulerPen(2.0));
+    painter->fillRect(rect, fillColor());
+    painter->setPen(rulerPen(textColor(), 2.0));
     const QPoint middle(rect.right(), rect.center().y());
     painter->drawLine(rect.topRight(), middle);
     painter->drawLine(middle, rect.bottomRight());
@@ -95,7 +129,7 @@ void TimelineHeaderView::paintTimeScale(QPainter* painter, const QRect& rect) co
     painter->setClipRect(rect);
     painter->setFont(m_font);
     painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    painter->fillRect(rect, backgroundColor());
+    painter->fillRect(rect, fillColor());
     paintTicks(painter, rect);
     if (m_timelineView) {
         if (m_isLimitsVisible)
@@ -115,7 +149,7 @@ void TimelineHeaderView::paintTicks(QPainter* painter, const QRect& rect) const
     const int baseline = tickBaseline(rect);
     const int bandHeight = (baseline - rect.top()) / 2;
 
-    painter->setPen(rulerPen(1.0));
+    painter->setPen(rulerPen(textColor(), 1.0));
     for (const Tick& tick : m_majorTicks) {
         const QRect label(tick.pos - tickLabelWidth / 2, rect.top(), tickLabelWidth, bandHeight);
         painter->drawText(label, Qt::AlignCenter, tick.label);
@@ -135,27 +169,39 @@ void TimelineHeaderView::paintTicks(QPainter* painter, const QRect& rect) const
 
 void TimelineHeaderView::paintLimits(QPainter* painter, const QRect& rect) const
 {
-    const qint64 start = m_timelineView->currentTime();
+    const qint64 start = windowStart();
     const QString startText = DateTime::toString(start, m_limitsDateTimeFormat);
-    const QString endText = DateTime::toString(start + m_timelineView->zoomFactor(), m_limitsDateTimeFormat);
+    const QString endText = DateTime::toString(start + windowLength(), m_limitsDateTimeFormat);
     const QFontMetrics metrics = painter->fontMetrics();
     constexpr int textOffset = markerMargin + markerSize + markerMargin;
     const int startWidth = metrics.horizontalAdvance(startText) + textOffset + markerMargin;
     const int endWidth = metrics.horizontalAdvance(endText) + textOffset + markerMargin;
 
     const int boxTop = rect.bottom() - limitBoxHeight + 1;
-    painter->fillRect(rect.left(), boxTop, startWidth, limitBoxHeight, backgroundColor());
-    painter->fillRect(rect.right() + 1 - endWidth, boxTop, endWidth, limitBoxHeight, backgroundColor());
+    painter->fillRect(rect.left(), boxTop, startWidth, limitBoxHeight, fillColor());
+    painter->fillRect(rect.right() + 1 - endWidth, boxTop, endWidth, limitBoxHeight, fillColor());
 
     const int markerTop = boxTop + (limitBoxHeight - markerSize) / 2;
-    painter->drawPixmap(rect.left() + markerMargin, markerTop, m_minLimitIndicator);
-    painter->drawPixmap(rect.right() + 1 - markerMargin - markerSize, markerTop, m_maxLimitIndicator);
+    paintLimitMarkers(painter, QPoint(rect.left() + markerMargin, markerTop),
+                      QPoint(rect.right() + 1 - markerMargin - markerSize, markerTop));
 
     const int textTop = boxTop - (limitTextHeight - limitBoxHeight) / 2;
     painter->drawText(QRect(rect.left() + textOffset, textTop, startWidth - textOffset, limitTextHeight),
                       Qt::AlignLeft | Qt::AlignVCenter, startText);
     painter->drawText(QRect(rect.right() + 1 - endWidth, textTop, endWidth - textOffset, limitTextHeight),
                       Qt::AlignRight | Qt::AlignVCenter, endText);
+}
+
+void TimelineHeaderView::paintLimitMarkers(QPainter* painter, const QPoint& start, const QPoint& end) const
+{
+    if (!m_ownScale) {
+        painter->drawPixmap(start, m_minLimitIndicator);
+        painter->drawPixmap(end, m_maxLimitIndicator);
+        return;
+    }
+    // Colours of its own, and shapes that stay shapes on paper.
+    paintAt(painter, start, startMarker(), textColor());
+    paintAt(painter, end, endMarker(), textColor());
 }
 
 void TimelineHeaderView::paintHover(QPainter* painter, const QRect& rect) const

@@ -98,13 +98,40 @@ QColor TimelineHeaderView::highlightColor()
     return {0x43, 0xB0, 0xE0};
 }
 
+qint64 TimelineHeaderView::windowStart() const
+{
+    return m_ownScale ? m_ownScale->start : m_timelineView->currentTime();
+}
+
+qint64 TimelineHeaderView::windowLength() const
+{
+    return m_ownScale ? m_ownScale->length : qint64(m_timelineView->zoomFactor());
+}
+
+void TimelineHeaderView::setOwnScale(const RulerScale& scale)
+{
+    m_ownScale = scale;
+    onUpdateTicks();
+}
+
+void TimelineHeaderView::placeOwnTicks()
+{
+    const auto place = [this](Ticks& target, const Ticks& ticks) {
+        target = ticks;
+        for (Tick& tick : target)
+            tick.pos = toPixel(tick.time);
+    };
+    place(m_majorTicks, m_ownScale->majorTicks);
+    place(m_mediumTicks, m_ownScale->mediumTicks);
+    place(m_minorTicks, m_ownScale->minorTicks);
+}
+
 int TimelineHeaderView::toPixel(qint64 time) const
 {
     if (time == noTime || !m_timelineView)
         return noPosition;
     const int left = sectionPosition(1);
-    return TimePixelMapping{m_timelineView->currentTime(), m_timelineView->zoomFactor(), left, geometry().width()}
-        .toPixel(time);
+    return TimePixelMapping{windowStart(), windowLength(), left, geometry().width()}.toPixel(time);
 }
 
 qint64 TimelineHeaderView::toTime(int x) const
@@ -112,8 +139,7 @@ qint64 TimelineHeaderView::toTime(int x) const
     if (!m_timelineView)
         return noTime;
     const int left = sectionPosition(1);
-    return TimePixelMapping{m_timelineView->currentTime(), m_timelineView->zoomFactor(), left, geometry().width()}
-        .toTime(x);
+    return TimePixelMapping{windowStart(), windowLength(), left, geometry().width()}.toTime(x);
 }
 
 template <typename IsTaken>
@@ -161,9 +187,13 @@ void TimelineHeaderView::onUpdateTicks()
 {
     if (!m_timelineView)
         return;
-    updateMajorTicks();
-    updateMediumTicks();
-    updateMinorTicks();
+    if (m_ownScale) {
+        placeOwnTicks();
+    } else {
+        updateMajorTicks();
+        updateMediumTicks();
+        updateMinorTicks();
+    }
     if (m_isIndicatorVisible)
         setIndicatorTime(m_indicatorTime);
     if (m_isLiveIndicatorVisible)

@@ -5,7 +5,10 @@
 #include <QColor>
 #include <QFont>
 #include <QHeaderView>
+#include <QPalette>
 #include <QPixmap>
+
+#include <optional>
 
 class QTimer;
 
@@ -28,6 +31,17 @@ struct Tick
 };
 
 using Ticks = QList<Tick>;
+
+/// What a ruler shows when that is not its view's window: a stretch of time of any length, with ticks of its own.
+struct RulerScale
+{
+    qint64 start = 0;  ///< time at the left edge of the time column, milliseconds since the epoch
+    qint64 length = 1; ///< milliseconds across the time column, more than 0
+    Ticks majorTicks;  ///< labelled; the ruler places these and the others
+    Ticks mediumTicks;
+    Ticks minorTicks;
+    QPalette palette; ///< colours instead of the application's
+};
 
 /// Picture of the marker at the start of the visible range: 11 by 11 pixels, in the palette's text colour.
 VESKTIMELINE_EXPORT QPixmap getMinLimitIndicator();
@@ -171,6 +185,10 @@ Q_SIGNALS:
     void hoverVisibilityChanged(bool isVisible);
 
 protected:
+    /// Shows a scale of the caller's instead of the view's window; toPixel() and toTime() follow, and with them whoever
+    /// paints by them. What the view says of its window then changes nothing any more. Emits ticksChanged().
+    void setOwnScale(const RulerScale& scale);
+
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -183,6 +201,11 @@ private Q_SLOTS:
     void onLiveTimeout();
 
 private:
+    qint64 windowStart() const;
+    qint64 windowLength() const;
+    QColor textColor() const;
+    QColor fillColor() const;
+    void placeOwnTicks();
     void updateMajorTicks();
     void updateMediumTicks();
     void updateMinorTicks();
@@ -197,6 +220,8 @@ private:
     void paintTimeScale(QPainter* painter, const QRect& rect) const;
     void paintTicks(QPainter* painter, const QRect& rect) const;
     void paintLimits(QPainter* painter, const QRect& rect) const;
+    void paintLimitMarkers(QPainter* painter, const QPoint& start, const QPoint& end) const;
+    void paintTimeText(QPainter* painter, const QRect& box, const QString& text) const;
     void paintHover(QPainter* painter, const QRect& rect) const;
     void paintIndicator(QPainter* painter, const QRect& rect, qint64 time, double scalingFactor,
                         const QColor& color) const;
@@ -230,6 +255,7 @@ private:
     const QPixmap m_maxLimitIndicator;
     QString m_trackLabel;
     QFont m_font;
+    std::optional<RulerScale> m_ownScale;
 
     friend class TimelineHeaderViewMouseHandler;
     friend class TimelineView;

@@ -1,0 +1,137 @@
+#include "picture_target_p.h"
+
+#include <QBuffer>
+#include <QSvgGenerator>
+
+#include <array>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+/// A picture of its own inside a picture, at a place of its own. The generator of Qt knows no clips; nested pictures
+/// are clipped to their size by whoever shows them.
+class SvgPart
+{
+public:
+    void begin(const QRect& rect, int resolution)
+    {
+        m_rect = rect;
+        m_buffer.open(QIODevice::WriteOnly);
+        m_generator.setOutputDevice(&m_buffer);
+        m_generator.setResolution(resolution);
+        m_generator.setSize(rect.size());
+        m_generator.setViewBox(QRect(QPoint(0, 0), rect.size()));
+        m_painter.begin(&m_generator);
+    }
+
+    QPainter& painter() { return m_painter; }
+
+    // The element that shows the part; it is empty afterwards.
+    QByteArray takeElement()
+    {
+        m_painter.end();
+        QByteArray text = m_buffer.data();
+        m_buffer.close();
+        m_buffer.setData(QByteArray());
+        // Its own declarations and its size in millimetres give way to a place.
+        const qsizetype viewBox = text.indexOf("viewBox=");
+        const QByteArray number[] = {QByteArray::number(m_rect.x()), QByteArray::number(m_rect.y()),
+                                     QByteArray::number(m_rect.width()), QByteArray::number(m_rect.height())};
+        return "<svg x=\"" + number[0] + "\" y=\"" + number[1] + "\" width=\"" + number[2] + "\" height=\"" +
+               number[3] + "\" overflow=\"hidden\"\n " + text.mid(viewBox);
+    }
+
+private:
+    QRect m_rect;
+    QBuffer m_buffer;
+    QSvgGenerator m_generator;
+    QPainter m_painter;
+};
+
+class SvgTarget : public PictureTarget
+{
+public:
+    SvgTarget(PictureView& view, const PictureOptions& options, const TimeSpan& range, PictureFile& file)
+        : PictureTarget(view, options, range), m_file(file)
+    {
+    }
+
+    QString measure() override { return measureSheet(); }
+    PictureSize size() const override { return {m_sheet, 1}; }
+
+    QString begin() override
+    {
+        m_view.layOut(m_range, m_sheet.width());
+        const int rowsHeight = m_view.rowCount() * m_view.rowHeight();
+        const int resolution = PictureExport::pageResolution();
+        m_title.begin(QRect(0, 0, m_sheet.width(), titleHeight()), resolution);
+        for (int column = 0; column < 2; ++column) {
+            QRect rect = m_view.columnRect(column);
+            rect.moveTop(titleHeight());
+            rect.setHeight(m_view.rulerHeight());
+            part(m_rulers, column).begin(rect, resolution);
+            rect.moveTop(titleHeight() + m_view.rulerHeight());
+            rect.setHeight(rowsHeight);
+            part(m_rows, column).begin(rect, resolution);
+        }
+        return {};
+    }
+
+    int stepCount() const override { return 1 + m_view.rowCount(); }
+
+    QString paintStep(int step) override
+    {
+        if (step == 0)
+            paintTitle(m_title.painter(), m_sheet.width());
+        for (int column = 0; column < 2; ++column) {
+            QPainter& painter = step == 0 ? part(m_rulers, column).painter() : part(m_rows, column).painter();
+            painter.save();
+            painter.translate(-m_view.columnRect(column).left(), step == 0 ? 0 : (step - 1) * m_view.rowHeight());
+            if (step == 0)
+                m_view.paintRulerColumn(painter, column);
+            else
+                m_view.paintRow(painter, step - 1, column);
+            painter.restore();
+        }
+        return {};
+    }
+
+    QString finish() override
+    {
+        if (!m_file.open(QIODevice::WriteOnly))
+            return m_file.errorString();
+        const QByteArray width = QByteArray::number(m_sheet.width());
+        const QByteArray height = QByteArray::number(m_sheet.height());
+        m_file.write("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\n"
+                     "<svg width=\"" +
+                     width + "\" height=\"" + height + "\" viewBox=\"0 0 " + width + ' ' + height +
+                     "\"\n xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\""
+                     " version=\"1.1\">\n");
+        if (!m_options.title.isEmpty())
+            m_file.write("<title>" + m_options.title.toHtmlEscaped().toUtf8() + "</title>\n");
+        for (SvgPart* const each : {&m_title, &m_rulers[0], &m_rulers[1], &m_rows[0], &m_rows[1]})
+            m_file.write(each->takeElement());
+        m_file.write("</svg>\n");
+        return m_file.commit() ? QString() : m_file.errorString();
+    }
+
+private:
+    using Parts = std::array<SvgPart, 2>;
+    static SvgPart& part(Parts& parts, int column) { return parts[static_cast<std::size_t>(column)]; }
+
+    PictureFile& m_file;
+    SvgPart m_title;
+    Parts m_rulers;
+    Parts m_rows;
+};
+
+} // namespace
+
+std::unique_ptr<PictureTarget> makeSvgTarget(PictureView& view, const PictureOptions& options, const TimeSpan& range,
+                                             PictureFile& file)
+{
+    return std::make_unique<SvgTarget>(view, options, range, file);
+}
+
+} // namespace VeskTimeline::Kit
