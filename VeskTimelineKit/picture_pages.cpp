@@ -141,7 +141,12 @@ public:
         : PageTarget(view, options, range, nullptr), m_file(file)
     {
     }
-    ~PdfTarget() override { painter().end(); }
+    ~PdfTarget() override
+    {
+        // Before what it paints on.
+        if (painter().isActive())
+            painter().end();
+    }
 
     QString begin() override
     {

@@ -9,8 +9,8 @@ namespace VeskTimeline::Kit {
 
 namespace {
 
-/// A picture of its own inside a picture, at a place of its own. The generator of Qt knows no clips; nested pictures
-/// are clipped to their size by whoever shows them.
+/// A part of a picture with a place of its own, to which it is clipped. The generator of Qt knows no clips, so each
+/// part is a picture first and then a group.
 class SvgPart
 {
 public:
@@ -27,19 +27,24 @@ public:
 
     QPainter& painter() { return m_painter; }
 
-    // The element that shows the part; it is empty afterwards.
-    QByteArray takeElement()
+    // The elements that show the part, which is empty afterwards. @param name unique in the picture
+    QByteArray takeElements(const QByteArray& name)
     {
         m_painter.end();
         QByteArray text = m_buffer.data();
         m_buffer.close();
         m_buffer.setData(QByteArray());
-        // Its own declarations and its size in millimetres give way to a place.
-        const qsizetype viewBox = text.indexOf("viewBox=");
-        const QByteArray number[] = {QByteArray::number(m_rect.x()), QByteArray::number(m_rect.y()),
-                                     QByteArray::number(m_rect.width()), QByteArray::number(m_rect.height())};
-        return "<svg x=\"" + number[0] + "\" y=\"" + number[1] + "\" width=\"" + number[2] + "\" height=\"" +
-               number[3] + "\" overflow=\"hidden\"\n " + text.mid(viewBox);
+        // What stands before is about a picture of its own, and so is the last tag.
+        text = text.mid(text.indexOf("<defs>"));
+        text.truncate(text.lastIndexOf("</svg>"));
+        // Parts do not share what they define.
+        text.replace("id=\"gradient", "id=\"" + name + "gradient")
+            .replace("url(#gradient", "url(#" + name + "gradient");
+        const auto number = [](int value) { return QByteArray::number(value); };
+        return "<clipPath id=\"" + name + "\"><rect x=\"0\" y=\"0\" width=\"" + number(m_rect.width()) +
+               "\" height=\"" + number(m_rect.height()) + "\"/></clipPath>\n<g transform=\"translate(" +
+               number(m_rect.x()) + ',' + number(m_rect.y()) + ")\" clip-path=\"url(#" + name + ")\">\n" + text +
+               "</g>\n";
     }
 
 private:
@@ -110,8 +115,12 @@ public:
                      " version=\"1.1\">\n");
         if (!m_options.title.isEmpty())
             m_file.write("<title>" + m_options.title.toHtmlEscaped().toUtf8() + "</title>\n");
-        for (SvgPart* const each : {&m_title, &m_rulers[0], &m_rulers[1], &m_rows[0], &m_rows[1]})
-            m_file.write(each->takeElement());
+        // Not every reader clips: the names come last and cover what reaches into them.
+        m_file.write(m_title.takeElements("title"));
+        for (int column = 1; column >= 0; --column) {
+            m_file.write(part(m_rows, column).takeElements(column == 1 ? "items" : "names"));
+            m_file.write(part(m_rulers, column).takeElements(column == 1 ? "ruler" : "caption"));
+        }
         m_file.write("</svg>\n");
         return m_file.commit() ? QString() : m_file.errorString();
     }

@@ -213,6 +213,18 @@ private:
     const Labels& m_labels;
 };
 
+// On screen a cut label can be moved into sight, on a picture it says something wrong.
+void dropCutLabels(RulerScale& scale, int width, const QFontMetrics& metrics)
+{
+    for (Tick& tick : scale.majorTicks) {
+        const double position =
+            static_cast<double>(tick.time - scale.start) * width / static_cast<double>(scale.length);
+        const double room = 2 * std::min(position, width - position);
+        if (room < metrics.horizontalAdvance(tick.label))
+            tick.label.clear();
+    }
+}
+
 } // namespace
 
 RulerScale pictureScale(const TimeSpan& range, int width, const QFontMetrics& metrics,
@@ -227,6 +239,8 @@ RulerScale pictureScale(const TimeSpan& range, int width, const QFontMetrics& me
     const qint64 zoneOffset = labels.zoneOffset();
     for (const qint64 time : timesAt(step.major, range, zoneOffset))
         scale.majorTicks.append(Tick(-1, time, labels.label(time, step)));
+    if (scale.length != Zoom::ceil(static_cast<int>(std::min<qint64>(scale.length, Zoom::OneDay))))
+        dropCutLabels(scale, width, metrics);
     for (const qint64 time : timesAt(step.medium, range, zoneOffset)) {
         if (!holds(scale.majorTicks, time))
             scale.mediumTicks.append(Tick(time));

@@ -1,9 +1,10 @@
 #include "command_line.h"
 
 #include "csv_command_line.h"
+#include "time_argument.h"
 
 #include <VeskTimelineKit/document_format.h>
-#include <VeskTimelineKit/time_text.h>
+#include <VeskTimelineKit/picture_export.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -27,7 +28,8 @@ struct Options
 {
     QCommandLineOption info{QStringLiteral("info"), Tr::tr("Load the files, print what they hold as JSON, and exit.")};
     QCommandLineOption convert{QStringLiteral("convert"),
-                               Tr::tr("Load the files, write OUT in the format of its suffix, and exit."),
+                               Tr::tr("Load the files, write OUT in the format of its suffix, or a picture of them as "
+                                      "PNG, SVG or PDF, and exit."),
                                QStringLiteral("OUT")};
     QCommandLineOption screenshot{
         QStringLiteral("screenshot"),
@@ -49,6 +51,7 @@ struct Options
     QCommandLineOption theme{QStringLiteral("theme"),
                              Tr::tr("Show the window in this look: system, light, dark; it is not remembered."),
                              QStringLiteral("LOOK")};
+    PictureCommandOptions picture;
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, Tr::tr("Print this text and exit.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, Tr::tr("Print the version and exit.")};
 
@@ -57,6 +60,7 @@ struct Options
         parser.setApplicationDescription(Tr::tr("Shows timelines."));
         parser.addOptions({info, convert, screenshot, from, stretch, expand, theme});
         parser.addOptions(csv.options());
+        picture.addTo(parser);
         parser.addOptions({help, version});
         parser.addPositionalArgument(QStringLiteral("FILE"), Tr::tr("Timelines to load; tracks of the same name join."),
                                      QStringLiteral("[FILE...]"));
@@ -106,26 +110,6 @@ std::optional<double> stretchOf(const QString& text)
     return isNumber && stretch >= least && stretch <= most ? std::optional<double>(stretch) : std::nullopt;
 }
 
-// A date alone is its midnight, UTC.
-std::optional<qint64> timeOf(const QString& text)
-{
-    const std::optional<ParsedTime> time = parseTime(text);
-    const std::optional<ParsedTime> midnight = time ? time : parseTime(text + QStringLiteral("T00:00Z"));
-    return midnight ? std::optional<qint64>(midnight->time) : std::nullopt;
-}
-
-std::optional<TimeSpan> spanOf(const QString& text)
-{
-    const QStringList ends = text.split(QStringLiteral(".."));
-    if (ends.size() != 2)
-        return std::nullopt;
-    const std::optional<qint64> start = timeOf(ends.first());
-    const std::optional<qint64> end = timeOf(ends.last());
-    if (!start || !end || *start >= *end)
-        return std::nullopt;
-    return TimeSpan{*start, *end};
-}
-
 // Empty when the options for reading are right.
 QString readReadOptions(const QCommandLineParser& parser, const Options& options, ReadOptions& readOptions)
 {
@@ -138,7 +122,7 @@ QString readReadOptions(const QCommandLineParser& parser, const Options& options
     }
     if (parser.isSet(options.expand)) {
         const QString text = parser.value(options.expand);
-        readOptions.expand = spanOf(text);
+        readOptions.expand = spanArgument(text);
         if (!readOptions.expand)
             return Tr::tr("\"%1\" is not START..END with an end after the start").arg(text);
     }
@@ -148,7 +132,7 @@ QString readReadOptions(const QCommandLineParser& parser, const Options& options
 // Empty when the action can write such a file.
 QString outputError(Action action, const QString& output)
 {
-    if (action == Action::Convert) {
+    if (action == Action::Convert && !PictureExport::isPictureFile(output)) {
         const DocumentFormat* const format = documentFormatBySuffix(output);
         if (!format || !format->write)
             return Tr::tr("no format to write has the suffix of \"%1\"").arg(output);
@@ -177,6 +161,11 @@ CommandLine refusal(const QString& error)
 }
 
 } // namespace
+
+bool CommandLine::convertsToPicture() const
+{
+    return action == Action::Convert && PictureExport::isPictureFile(output);
+}
 
 CommandLine parseCommandLine(const QStringList& arguments)
 {
@@ -207,6 +196,9 @@ CommandLine parseCommandLine(const QStringList& arguments)
         if (!commandLine.theme)
             return refusal(Tr::tr("there is no look \"%1\"; there are system, light and dark").arg(name));
     }
+    if (const QString error = options.picture.read(parser, commandLine.convertsToPicture(), commandLine.picture);
+        !error.isEmpty())
+        return refusal(error);
     if (parser.isSet(options.from)) {
         const QString name = parser.value(options.from);
         commandLine.from = documentFormatByName(name);

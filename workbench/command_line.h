@@ -1,6 +1,7 @@
 #pragma once
 
 #include "theme.h"
+#include "picture_arguments.h"
 
 #include <VeskTimelineKit/read_options.h>
 
@@ -34,10 +35,15 @@ struct CommandLine
     const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each as what it is
     VeskTimeline::Kit::ReadOptions readOptions;
     std::optional<Theme::Scheme> theme; ///< nothing: as the user left it
+    PictureArguments picture; ///< of Convert, when the output is a picture
     QString error;
 
     /// Whether the action needs widgets, and with them a windowing system.
-    bool needsWindow() const { return action == Action::ShowWindow || action == Action::SaveScreenshot; }
+    bool needsWindow() const
+    {
+        return action == Action::ShowWindow || action == Action::SaveScreenshot || convertsToPicture();
+    }
+    bool convertsToPicture() const;
 };
 
 /// @param arguments the program's name first

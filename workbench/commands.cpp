@@ -158,9 +158,14 @@ int run(const CommandLine& commandLine, char* programName)
         const QCoreApplication application(count, arguments);
         return runWithoutWindow(commandLine, loaded.document);
     }
-    if (!hasDisplay())
+    // A picture shows nothing, so that a display that cannot be reached does no harm.
+    if (!hasDisplay() || (commandLine.convertsToPicture() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(count, arguments);
+    if (commandLine.convertsToPicture()) {
+        warn(loaded.document.warnings());
+        return convertToPicture(loaded.document, commandLine.picture, commandLine.output);
+    }
     return runWithWindow(commandLine, loaded);
 }
 
