@@ -63,6 +63,7 @@ void paintAt(QPainter* painter, const QPoint& position, const LimitMarker& marke
 {
     painter->save();
     painter->translate(position);
+    painter->setClipRect(QRect(0, 0, markerSize, markerSize), Qt::IntersectClip);
     marker.paint(painter, color);
     painter->restore();
 }

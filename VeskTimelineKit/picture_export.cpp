@@ -265,6 +265,26 @@ Result<PictureSize> PictureExport::size(TimelineModel& model, const QString& fil
     return d.target->size();
 }
 
+QImage PictureExport::preview(TimelineModel& model, const QString& fileName, const PictureOptions& options,
+                              const QSize& most)
+{
+    PictureExportPrivate d;
+    d.fileName = fileName;
+    d.options = options;
+    if (!prepare(d, model).isEmpty())
+        return {};
+    constexpr double leastScale = 0.2;
+    const QSize size = d.target->previewSize();
+    const double scale = std::clamp(most.width() / static_cast<double>(size.width()), leastScale, 1.0);
+    QImage image((QSizeF(size) * scale).toSize().boundedTo(most), QImage::Format_RGB32);
+    image.fill(options.palette.color(QPalette::Base));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing, scale < 1.0);
+    painter.scale(scale, scale);
+    d.target->paintPreview(painter, static_cast<int>(image.height() / scale));
+    return image;
+}
+
 bool PictureExport::isPictureFile(const QString& fileName)
 {
     return formOf(fileName) != Form::None;

@@ -3,6 +3,7 @@
 #include <VeskTimelineKit/picture_options.h>
 #include <VeskTimelineKit/result.h>
 
+#include <QImage>
 #include <QObject>
 #include <QSize>
 
@@ -62,6 +63,10 @@ public:
 
     /// How large the picture will be. @return an error for options from which none can be made
     static Result<PictureSize> size(TimelineModel& model, const QString& fileName, const PictureOptions& options);
+    /// What the picture, or its first page, will look like, made smaller so as to be no wider than `most`; what is too
+    /// high or, at the least scale of 1 to 5, too wide is cut. Null for options from which no picture can be made.
+    static QImage preview(TimelineModel& model, const QString& fileName, const PictureOptions& options,
+                          const QSize& most);
     /// Whether a file of that name would be a picture: a PNG, SVG or PDF, letter case aside.
     static bool isPictureFile(const QString& fileName);
     /// Dots an inch that pages are painted at; texts come out in the sizes of the screen.

@@ -27,6 +27,9 @@ struct VESKTIMELINEKIT_EXPORT PicturePages
     int pagesAcross = 1;    ///< the range is spread over so many pages side by side
     qint64 timePerPage = 0; ///< above 0, instead of pagesAcross: milliseconds that a page shows
 
+    int firstPage = 1; ///< pages before this one are left out
+    int lastPage = 0;  ///< above 0: pages behind this one are left out
+
     static QPageLayout defaultLayout();
 };
 

@@ -57,14 +57,22 @@ public:
         const int rows = std::min(m_rowsPerPage, m_view.rowCount() - down * m_rowsPerPage);
         const int across = step % stepsPerBand / (rows + 1);
         const int row = step % stepsPerBand % (rows + 1) - 1;
+        const int number = down * m_pagesAcross + across + 1;
+        if (!isWanted(number))
+            return {};
         if (row < 0)
-            return beginPage(down, across);
-        m_painter.save();
-        m_painter.translate(0, m_view.rulerHeight() + row * m_view.rowHeight());
-        m_view.paintRow(m_painter, down * m_rowsPerPage + row);
-        m_painter.restore();
+            return beginPage(number);
+        paintRow(m_painter, down * m_rowsPerPage, row);
         return {};
     }
+
+    void paintPreview(QPainter& painter, int /*height*/) override
+    {
+        paintFrame(painter, 1);
+        for (int row = 0; row < std::min(m_rowsPerPage, m_view.rowCount()); ++row)
+            paintRow(painter, 0, row);
+    }
+    QSize previewSize() const override { return m_page; }
 
     QString finish() override { return m_painter.end() ? QString() : Tr::tr("the pages could not be finished"); }
 
@@ -94,40 +102,64 @@ private:
                 .arg(mostPages);
         m_pagesAcross = static_cast<int>(across);
         m_pagesDown = static_cast<int>(down);
+        if (m_options.pages.firstPage > across * down)
+            return Tr::tr("there is no page %1; the last one is %2").arg(m_options.pages.firstPage).arg(across * down);
         return {};
     }
 
-    QString beginPage(int down, int across)
+    // Of the pages that the user asks for.
+    bool isWanted(int number) const
     {
-        const int number = down * m_pagesAcross + across + 1;
-        if (number > 1 && !m_device->newPage())
+        const PicturePages& pages = m_options.pages;
+        return number >= pages.firstPage && (pages.lastPage <= 0 || number <= pages.lastPage);
+    }
+
+    QString beginPage(int number)
+    {
+        if (m_hasPage && !m_device->newPage())
             return Tr::tr("page %1 could not be begun").arg(number);
-        const qint64 start = m_range.start + across * m_timePerPage;
-        m_view.layOut({start, start + m_timePerPage}, m_page.width());
-        m_painter.fillRect(QRect(QPoint(0, 0), m_page), m_options.palette.color(QPalette::Base));
-        m_view.paintRuler(m_painter);
-        paintFooter(number);
+        m_hasPage = true;
+        paintFrame(m_painter, number);
         return {};
     }
 
-    void paintFooter(int number)
+    // All but the rows.
+    void paintFrame(QPainter& painter, int number)
     {
-        m_painter.save();
-        m_painter.setFont(m_view.font());
-        m_painter.setPen(m_options.palette.color(QPalette::Text));
+        const qint64 start = m_range.start + (number - 1) % m_pagesAcross * m_timePerPage;
+        m_view.layOut({start, start + m_timePerPage}, m_page.width());
+        painter.fillRect(QRect(QPoint(0, 0), m_page), m_options.palette.color(QPalette::Base));
+        m_view.paintRuler(painter);
+        paintFooter(painter, number);
+    }
+
+    void paintRow(QPainter& painter, int firstRow, int row)
+    {
+        painter.save();
+        painter.translate(0, m_view.rulerHeight() + row * m_view.rowHeight());
+        m_view.paintRow(painter, firstRow + row);
+        painter.restore();
+    }
+
+    void paintFooter(QPainter& painter, int number)
+    {
+        painter.save();
+        painter.setFont(m_view.font());
+        painter.setPen(m_options.palette.color(QPalette::Text));
         const QRect footer(0, m_page.height() - footerHeight, m_page.width(), footerHeight);
         const QString page = Tr::tr("Page %1 of %2").arg(number).arg(pageCount());
         const QFontMetrics metrics(m_view.font());
         const int room = footer.width() - metrics.horizontalAdvance(page) - footerHeight;
-        m_painter.drawText(footer, Qt::AlignLeft | Qt::AlignVCenter,
-                           metrics.elidedText(m_options.title.simplified(), Qt::ElideRight, room));
-        m_painter.drawText(footer, Qt::AlignRight | Qt::AlignVCenter, page);
-        m_painter.restore();
+        painter.drawText(footer, Qt::AlignLeft | Qt::AlignVCenter,
+                         metrics.elidedText(m_options.title.simplified(), Qt::ElideRight, room));
+        painter.drawText(footer, Qt::AlignRight | Qt::AlignVCenter, page);
+        painter.restore();
     }
 
     QPagedPaintDevice* m_device;
     QPainter m_painter;
     QSize m_page;
+    bool m_hasPage = false;
     qint64 m_timePerPage = 1;
     int m_rowsPerPage = 1;
     int m_pagesAcross = 1;

@@ -40,6 +40,8 @@ public:
         // Parts do not share what they define.
         text.replace("id=\"gradient", "id=\"" + name + "gradient")
             .replace("url(#gradient", "url(#" + name + "gradient");
+        // Readers do not know the families that this system makes up.
+        text.replace("font-family=\"Sans Serif\"", "font-family=\"Sans Serif, sans-serif\"");
         const auto number = [](int value) { return QByteArray::number(value); };
         return "<clipPath id=\"" + name + "\"><rect x=\"0\" y=\"0\" width=\"" + number(m_rect.width()) +
                "\" height=\"" + number(m_rect.height()) + "\"/></clipPath>\n<g transform=\"translate(" +
@@ -116,7 +118,8 @@ public:
         if (!m_options.title.isEmpty())
             m_file.write("<title>" + m_options.title.toHtmlEscaped().toUtf8() + "</title>\n");
         // Not every reader clips: the names come last and cover what reaches into them.
-        m_file.write(m_title.takeElements("title"));
+        if (titleHeight() > 0)
+            m_file.write(m_title.takeElements("title"));
         for (int column = 1; column >= 0; --column) {
             m_file.write(part(m_rows, column).takeElements(column == 1 ? "items" : "names"));
             m_file.write(part(m_rulers, column).takeElements(column == 1 ? "ruler" : "caption"));

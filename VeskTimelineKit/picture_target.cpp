@@ -53,6 +53,20 @@ QString PictureTarget::measureSheet()
     return {};
 }
 
+void PictureTarget::paintPreview(QPainter& painter, int height)
+{
+    m_view.layOut(m_range, m_sheet.width());
+    paintTitle(painter, m_sheet.width());
+    painter.translate(0, titleHeight());
+    m_view.paintRuler(painter);
+    int top = titleHeight() + m_view.rulerHeight();
+    painter.translate(0, m_view.rulerHeight());
+    for (int row = 0; row < m_view.rowCount() && top < height; ++row, top += m_view.rowHeight()) {
+        m_view.paintRow(painter, row);
+        painter.translate(0, m_view.rowHeight());
+    }
+}
+
 int PictureTarget::titleHeight() const
 {
     return m_options.title.isEmpty() ? 0 : titleBand;

@@ -43,6 +43,10 @@ public:
     virtual QString paintStep(int step) = 0;
     /// Writes what is painted. Returns a reason.
     virtual QString finish() = 0;
+    /// Paints what of the picture, or of its first page, has room in the painter's device.
+    virtual void paintPreview(QPainter& painter, int height);
+    /// Size of what paintPreview() paints.
+    virtual QSize previewSize() const { return m_sheet; }
     /// Whether finish() takes long and needs no GUI thread.
     virtual bool finishesAside() const { return false; }
 
