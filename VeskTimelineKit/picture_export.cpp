@@ -202,7 +202,7 @@ void PictureExport::finish()
     PictureTarget* const target = d->target.get();
     d->finisher.reset(QThread::create([this, target] {
         const QString reason = target->finish();
-        QMetaObject::invokeMethod(this, [this, reason] { end(d->isCancelled ? exportCancelledReason() : reason); });
+        QMetaObject::invokeMethod(this, [this, reason] { end(d->isCancelled ? writingCancelledReason() : reason); });
     }));
     d->finisher->start();
 }
@@ -228,7 +228,7 @@ std::optional<FileError> PictureExport::run(const std::function<bool(double shar
     while (reason.isEmpty() && !d->isEnded && d->step < d->target->stepCount()) {
         if (progress && !progress(d->share())) {
             d->isCancelled = true;
-            reason = exportCancelledReason();
+            reason = writingCancelledReason();
             break;
         }
         paintSome();
@@ -247,7 +247,7 @@ void PictureExport::cancel()
     d->isCancelled = true;
     // A picture that is being written ends by itself, and at once.
     if (!d->finisher)
-        end(exportCancelledReason());
+        end(writingCancelledReason());
 }
 
 const std::optional<FileError>& PictureExport::error() const
@@ -313,11 +313,6 @@ std::optional<TimeSpan> pictureRange(const TimelineModel& model)
     constexpr qint64 shareOfMargin = 50;
     const qint64 margin = std::max((span->end - span->start) / shareOfMargin, leastMargin);
     return TimeSpan{span->start - margin, span->end + margin};
-}
-
-QString exportCancelledReason()
-{
-    return Tr::tr("the export was cancelled");
 }
 
 } // namespace VeskTimeline::Kit

@@ -2,6 +2,7 @@
 
 #include <VeskTimelineKit/picture_options.h>
 #include <VeskTimelineKit/result.h>
+#include <VeskTimelineKit/write_options.h>
 
 #include <QImage>
 #include <QObject>
@@ -56,7 +57,7 @@ public:
     /// Returns when it is done. @param progress see ReadOptions::progress; may be empty
     /// @return nothing, or why there is no picture
     std::optional<FileError> run(const std::function<bool(double share)>& progress = {});
-    /// Ends with an error whose reason is exportCancelledReason(). Does nothing before start() and after finished().
+    /// Ends with an error whose reason is writingCancelledReason(). Does nothing before start() and after finished().
     void cancel();
     /// Why there is no picture; nothing before the end, or when all went well.
     const std::optional<FileError>& error() const;
@@ -95,8 +96,5 @@ VESKTIMELINEKIT_EXPORT std::optional<FileError> writePicture(TimelineModel& mode
 
 /// From the first to the last item of a model, with a little room at both ends; nothing without items.
 VESKTIMELINEKIT_EXPORT std::optional<TimeSpan> pictureRange(const TimelineModel& model);
-
-/// The reason of a file error when an export was cancelled, translated.
-VESKTIMELINEKIT_EXPORT QString exportCancelledReason();
 
 } // namespace VeskTimeline::Kit

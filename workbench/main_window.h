@@ -76,6 +76,8 @@ private:
     void createViewMenu();
     void createHelpMenu();
     void addUndoActions(QMenu* menu);
+    /// Export, print preview and print.
+    void addPictureActions(QMenu* fileMenu);
     void createToolBar();
     /// @param name of the action as an object and of its icon, if there is one
     QAction* addMenuAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& shortcut = {});

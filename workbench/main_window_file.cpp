@@ -36,6 +36,8 @@ void MainWindow::createFileMenu()
     connect(addMenuAction(menu, "open", tr("&Open…"), QKeySequence::Open), &QAction::triggered, this,
             &MainWindow::askForFiles);
     menu->addSeparator();
+    addPictureActions(menu);
+    menu->addSeparator();
     connect(addMenuAction(menu, "quit", tr("&Quit"), QKeySequence::Quit), &QAction::triggered, this,
             &MainWindow::close);
 }

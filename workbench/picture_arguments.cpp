@@ -1,13 +1,13 @@
 #include "picture_arguments.h"
 
+#include "page_sizes.h"
 #include "time_argument.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QPageSize>
 
 #include <optional>
-#include <utility>
+#include <type_traits>
 
 namespace Workbench {
 
@@ -23,34 +23,6 @@ struct Tr
 constexpr double leastScale = 0.25;
 constexpr double mostScale = 8.0;
 constexpr int mostPagesAcross = 1000;
-
-const QList<std::pair<QString, QPageSize::PageSizeId>>& pageSizes()
-{
-    static const QList<std::pair<QString, QPageSize::PageSizeId>> sizes{
-        {QStringLiteral("A5"), QPageSize::A5},          {QStringLiteral("A4"), QPageSize::A4},
-        {QStringLiteral("A3"), QPageSize::A3},          {QStringLiteral("A2"), QPageSize::A2},
-        {QStringLiteral("A1"), QPageSize::A1},          {QStringLiteral("A0"), QPageSize::A0},
-        {QStringLiteral("Letter"), QPageSize::Letter},  {QStringLiteral("Legal"), QPageSize::Legal},
-        {QStringLiteral("Tabloid"), QPageSize::Tabloid}};
-    return sizes;
-}
-
-QStringList pageSizeNames()
-{
-    QStringList names;
-    for (const auto& [name, id] : pageSizes())
-        names.append(name);
-    return names;
-}
-
-std::optional<QPageSize> pageSizeOf(const QString& text)
-{
-    for (const auto& [name, id] : pageSizes()) {
-        if (name.compare(text, Qt::CaseInsensitive) == 0)
-            return QPageSize(id);
-    }
-    return std::nullopt;
-}
 
 // A comma that belongs to a name has a backslash before it.
 QStringList pathsOf(const QString& text)
@@ -150,14 +122,8 @@ QString PictureCommandOptions::read(const QCommandLineParser& parser, bool isPic
     }
     if (parser.isSet(m_tracks))
         arguments.tracks = pathsOf(parser.value(m_tracks));
-    if (parser.isSet(m_page)) {
-        const std::optional<QPageSize> size = pageSizeOf(parser.value(m_page));
-        if (!size)
-            return Tr::tr("there is no page size \"%1\"").arg(parser.value(m_page));
-        const QMarginsF margins = options.pages.layout.margins();
-        options.pages.layout.setPageSize(*size);
-        options.pages.layout.setMargins(margins);
-    }
+    if (parser.isSet(m_page) && !setPage(options.pages.layout, parser.value(m_page)))
+        return Tr::tr("there is no page size \"%1\"").arg(parser.value(m_page));
     if (parser.isSet(m_portrait))
         options.pages.layout.setOrientation(QPageLayout::Portrait);
     if (parser.isSet(m_dark))

@@ -453,7 +453,7 @@ private Q_SLOTS:
         old.write("old");
         old.close();
         const std::optional<FileError> error = writePicture(*m_model, file, {}, [](double) { return false; });
-        QCOMPARE(error->reason, exportCancelledReason());
+        QCOMPARE(error->reason, writingCancelledReason());
         QCOMPARE(content(file), QByteArray("old"));
         QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files).size(), 1);
     }
@@ -493,7 +493,7 @@ private Q_SLOTS:
         picture.start();
         picture.cancel();
         QCOMPARE(finished.size(), 1);
-        QCOMPARE(picture.error()->reason, exportCancelledReason());
+        QCOMPARE(picture.error()->reason, writingCancelledReason());
         QCoreApplication::processEvents();
         picture.cancel();
         QCOMPARE(finished.size(), 1);
