@@ -294,7 +294,7 @@ int PictureExport::pageResolution()
 {
     const QScreen* const screen = QGuiApplication::primaryScreen();
     constexpr int usual = 96;
-    return screen ? std::max(static_cast<int>(screen->logicalDotsPerInch() + 0.5), 1) : usual;
+    return screen ? std::max(qRound(screen->logicalDotsPerInch()), 1) : usual;
 }
 
 std::optional<FileError> writePicture(TimelineModel& model, const QString& fileName, const PictureOptions& options,

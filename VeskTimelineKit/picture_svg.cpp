@@ -128,6 +128,8 @@ public:
         return m_file.commit() ? QString() : m_file.errorString();
     }
 
+    bool finishesAside() const override { return true; }
+
 private:
     using Parts = std::array<SvgPart, 2>;
     static SvgPart& part(Parts& parts, int column) { return parts[static_cast<std::size_t>(column)]; }

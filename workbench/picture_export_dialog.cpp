@@ -60,6 +60,9 @@ void PictureExportDialog::createFields()
     m_range->addItems({tr("Whole timeline"), tr("What is shown"), tr("From – to")});
     m_from = named("from", new QLineEdit(formatTime(m_context.shownRange.start), this));
     m_to = named("to", new QLineEdit(formatTime(m_context.shownRange.end), this));
+    constexpr int roomForTime = 170;
+    m_from->setMinimumWidth(roomForTime);
+    m_to->setMinimumWidth(roomForTime);
     m_tracks = named("tracks", new QComboBox(this));
     m_tracks->addItems({tr("All"), tr("Those expanded"), tr("Those of the selected items")});
     m_width = named("width", new QSpinBox(this));
@@ -105,13 +108,13 @@ void PictureExportDialog::layOut()
         return row;
     };
     auto* const form = new QFormLayout;
-    form->addRow(tr("&File (PNG, SVG or PDF):"), inOneRow({m_file, browse}));
+    form->addRow(tr("File (PNG, SVG or PDF):"), inOneRow({m_file, browse}));
     form->addRow(tr("&Time:"), m_range);
     form->addRow(tr("From, to:"), inOneRow({m_from, m_to}));
     form->addRow(tr("Trac&ks:"), m_tracks);
     form->addRow(tr("&Width:"), m_width);
     form->addRow(tr("&Scale:"), m_scale);
-    form->addRow(tr("&Page:"), inOneRow({m_page, m_portrait}));
+    form->addRow(tr("Page:"), inOneRow({m_page, m_portrait}));
     form->addRow(tr("Pages &across:"), m_pagesAcross);
     form->addRow(tr("&Colours:"), m_colours);
     form->addRow(tr("Show:"), inOneRow({m_limits, m_indicator}));
