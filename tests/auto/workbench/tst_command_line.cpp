@@ -242,7 +242,7 @@ private Q_SLOTS:
             // The colour of the first track's items, which fill the row.
             int pixels = 0;
             for (int x = 0; x < picture.width(); ++x)
-                pixels += picture.pixelColor(x, 120) == QColor("#4c78a8") ? 1 : 0;
+                pixels += picture.pixelColor(x, 140) == QColor("#4c78a8") ? 1 : 0;
             QVERIFY2(pixels > 700, qPrintable(QString::number(pixels)));
             QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
         }
