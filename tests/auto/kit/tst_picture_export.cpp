@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QXmlStreamReader>
 
 #include <cmath>
@@ -177,7 +178,10 @@ private Q_SLOTS:
 
     void tilesPaintWhatOnePainterPaints()
     {
-        fill();
+        // Bars of a few pixels, so that no column looks like the next.
+        const int track = m_model->addTrack("A");
+        for (int i = 0; i < 720; ++i)
+            m_model->addItem(track, {"x", origin + i * hour / 10, hour / 20, QColor::fromHsv(i % 360, 200, 200)});
         PictureOptions options;
         options.range = TimeSpan{origin, origin + 3 * day};
         options.width = 4100;
@@ -185,7 +189,7 @@ private Q_SLOTS:
         // Another way to the same: from the preview, which is painted at once.
         const QImage whole = PictureExport::preview(*m_model, "a.png", options, QSize(5000, 5000));
         QCOMPARE(whole.size(), tiled.size());
-        for (int x = 3990; x < 4010; ++x) {
+        for (int x = 3900; x < 4100; ++x) {
             for (int y = 70; y < tiled.height(); ++y)
                 QCOMPARE(tiled.pixel(x, y), whole.pixel(x, y));
         }
@@ -498,6 +502,23 @@ private Q_SLOTS:
         picture.cancel();
         QCOMPARE(finished.size(), 1);
         QVERIFY(!QFile::exists(file));
+    }
+
+    void cancellingWhileAPictureIsWrittenKeepsTheOldFile()
+    {
+        fill();
+        PictureOptions options;
+        options.scale = 8.0; // enough to be at it for a while
+        PictureExport picture(*m_model, path("a.png"), options);
+        QSignalSpy finished(&picture, &PictureExport::finished);
+        connect(&picture, &PictureExport::progressChanged, &picture, [&picture](double share) {
+            if (share > 0.94 && share < 1.0)
+                QTimer::singleShot(0, &picture, &PictureExport::cancel);
+        });
+        picture.start();
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 20'000);
+        QCOMPARE(picture.error()->reason, writingCancelledReason());
+        QVERIFY(!QFile::exists(path("a.png")));
     }
 
     void aChangedModelEndsAnExport()
