@@ -56,16 +56,14 @@ std::optional<CsvField> fieldOf(const CsvColumnChoices::Columns& columns, const 
     return {};
 }
 
-// "Track", or "Track, level 2" where there are several.
+// "Track", or "Track 2 of 3" where there are several.
 QString textOf(const CsvColumnChoices::Columns& columns, const QString& name)
 {
     const auto field = fieldOf(columns, name);
     const QStringList parts = field ? columns.value(*field) : QStringList();
     if (parts.size() < 2)
         return nameOf(field);
-    const auto place = parts.indexOf(name) + 1;
-    return field == CsvField::Track ? CsvColumnHeader::tr("Track, level %1").arg(place)
-                                    : CsvColumnHeader::tr("%1, part %2").arg(nameOf(field)).arg(place);
+    return CsvColumnHeader::tr("%1 %2 of %3").arg(nameOf(field)).arg(parts.indexOf(name) + 1).arg(parts.size());
 }
 
 int indexOf(const std::optional<CsvColumnUse>& use)
@@ -132,6 +130,8 @@ QComboBox* CsvColumnHeader::makeBox(int column, const QString& name)
     box->addItem(tr("Detect"));
     for (const auto& field : uses)
         box->addItem(nameOf(field));
+    box->setToolTip(tr("What the column is used as. Several columns of tracks are the levels of a path from the top; "
+                       "several of another field are joined, as a date and a time of day."));
     box->setMinimumContentsLength(8);
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->installEventFilter(this);

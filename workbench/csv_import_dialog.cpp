@@ -51,7 +51,7 @@ CsvImportDialog::CsvImportDialog(const QString& fileName, const CsvOptions& star
     setSizeGripEnabled(true);
     createWidgets(fileName);
     setTabOrders();
-    resize(QSettings().value(sizeKey, QSize(1000, 680)).toSize().expandedTo(minimumSizeHint()));
+    resize(QSettings().value(sizeKey, QSize(1100, 720)).toSize().expandedTo(minimumSizeHint()));
 
     m_delay->setSingleShot(true);
     m_delay->setInterval(delayInMs);
@@ -64,6 +64,12 @@ CsvImportDialog::CsvImportDialog(const QString& fileName, const CsvOptions& star
     });
     setRemembered(false, false);
     setOptions(start);
+}
+
+CsvImportDialog::~CsvImportDialog()
+{
+    // Fields that lose the focus when the window goes still have something to say, to nobody.
+    m_form->disconnect(this);
 }
 
 void CsvImportDialog::createWidgets(const QString& fileName)
@@ -208,16 +214,20 @@ void CsvImportDialog::done(int result)
 
 void CsvImportDialog::changeSoon()
 {
-    m_isCurrent = false;
+    // A field says so, too, when what was typed is found in its list as it loses the focus: to the very button that
+    // would be out of reach then.
+    m_isCurrent = m_isCurrent && options() == m_asked;
     updateImport();
-    m_delay->start();
+    if (!m_isCurrent)
+        m_delay->start();
 }
 
 void CsvImportDialog::requestPreview()
 {
     m_isCurrent = false;
     updateImport();
-    m_loader.request(options());
+    m_asked = options();
+    m_loader.request(m_asked);
 }
 
 void CsvImportDialog::showAnswer(const CsvOptions& asked, const CsvPreviewLoader::Answer& answer)
@@ -255,8 +265,12 @@ void CsvImportDialog::showCount()
     int refused = 0;
     for (int row = 0; row < m_model->rowCount(); ++row)
         refused += m_model->isRefused(row) ? 1 : 0;
-    const QString shown = tr("The first %n record(s) of the file.", nullptr, m_model->rowCount());
-    m_count->setText(refused == 0 ? shown : shown + u' ' + tr("%n of them is/are not imported.", nullptr, refused));
+    const int count = m_model->rowCount();
+    QString text =
+        count == 1 ? tr("The first record of the file.") : tr("The first %1 records of the file.").arg(count);
+    if (refused > 0)
+        text += u' ' + (refused == 1 ? tr("1 is not imported.") : tr("%1 are not imported.").arg(refused));
+    m_count->setText(text);
 }
 
 QString CsvImportDialog::reasonAgainst() const

@@ -27,6 +27,7 @@ public:
     /// @param start what is said already; @param preview for other ways to read than the kit's
     CsvImportDialog(const QString& fileName, const VeskTimeline::Kit::CsvOptions& start,
                     CsvPreviewFunction preview = defaultCsvPreview(), QWidget* parent = nullptr);
+    ~CsvImportDialog() override;
 
     /// What was said; what was left at "Detected" is not in it.
     VeskTimeline::Kit::CsvOptions options() const;
@@ -61,6 +62,7 @@ private:
     CsvPreviewLoader m_loader;
     CsvColumnChoices m_columns;
     QString m_problem;
+    VeskTimeline::Kit::CsvOptions m_asked;
     bool m_isCurrent = false;
     QTimer* m_delay;
     CsvOptionsForm* m_form = nullptr;

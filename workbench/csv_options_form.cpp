@@ -82,7 +82,7 @@ CsvOptionsForm::CsvOptionsForm(QWidget* parent) : QWidget(parent)
     auto* const grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setColumnStretch(1, 1);
-    grid->setColumnStretch(4, 1);
+    grid->setColumnStretch(5, 1);
     grid->setColumnMinimumWidth(3, 12);
 
     createDelimiter();
@@ -127,11 +127,13 @@ QComboBox* CsvOptionsForm::addEditableBox(const char* name, const QString& label
     box->setEditable(true);
     box->setInsertPolicy(QComboBox::NoInsert);
     box->lineEdit()->setClearButtonEnabled(true);
-    box->lineEdit()->clear();
     // Detected is what is empty: typing begins at once, and taking everything away goes back to it.
+    box->setCurrentIndex(-1);
     connect(box, &QComboBox::activated, box, [box](int index) {
-        if (index == 0)
-            box->clearEditText();
+        if (index != 0)
+            return;
+        box->setCurrentIndex(-1);
+        box->clearEditText();
     });
     connect(box, &QComboBox::editTextChanged, this, &CsvOptionsForm::changed);
     return box;
@@ -154,7 +156,7 @@ void CsvOptionsForm::createDelimiter()
     static_cast<QGridLayout*>(layout())->addWidget(m_otherDelimiter, 0, 2);
     connect(m_delimiter, &QComboBox::currentIndexChanged, this, &CsvOptionsForm::updateOther);
     connect(m_delimiter, &QComboBox::activated, m_otherDelimiter, [this] {
-        if (m_otherDelimiter->isEnabled())
+        if (!m_otherDelimiter->isHidden())
             m_otherDelimiter->setFocus();
     });
     connect(m_otherDelimiter, &QLineEdit::textChanged, this, &CsvOptionsForm::changed);
@@ -194,7 +196,7 @@ void CsvOptionsForm::createZone()
 
 void CsvOptionsForm::updateOther()
 {
-    m_otherDelimiter->setEnabled(m_delimiter->currentData() == otherDelimiter);
+    m_otherDelimiter->setVisible(m_delimiter->currentData() == otherDelimiter);
 }
 
 void CsvOptionsForm::setOptions(const CsvOptions& options)
@@ -209,8 +211,8 @@ void CsvOptionsForm::setOptions(const CsvOptions& options)
         selectCharacter(m_decimalPoint, options.decimalPoint);
         select(m_encoding, options.encoding);
         select(m_timeUnit, options.timeUnit);
-        m_dateFormat->setCurrentText(options.dateFormat);
-        m_timeZone->setCurrentText(QString::fromLatin1(options.timeZone));
+        m_dateFormat->setEditText(options.dateFormat);
+        m_timeZone->setEditText(QString::fromLatin1(options.timeZone));
     }
     updateOther();
 }

@@ -1,7 +1,6 @@
 #include "csv_preview_model.h"
 
 #include <VeskTimelineKit/time_text.h>
-#include <VeskTimelineKit/track_path.h>
 
 #include <QApplication>
 #include <QPalette>
@@ -68,7 +67,8 @@ void CsvPreviewModel::setPreview(const CsvPreview& preview)
 bool CsvPreviewModel::isRefused(int row) const
 {
     const CsvPreviewRecord& record = m_preview.records.at(row);
-    return !record.problem.isNull() || !record.item;
+    // When the whole file cannot be read, nothing is wrong with the single record.
+    return !record.problem.isNull() || (!record.item && m_preview.problem.isNull());
 }
 
 int CsvPreviewModel::rowCount(const QModelIndex& parent) const
@@ -106,7 +106,7 @@ QString CsvPreviewModel::readText(const CsvPreviewRecord& record, int column) co
         return {};
     switch (column) {
     case Track:
-        return oneLine(joinTrackPath(record.trackPath));
+        return oneLine(record.trackPath.join(QStringLiteral(" › ")));
     case Label:
         return oneLine(record.item->label);
     case Start:

@@ -23,8 +23,9 @@ CsvPreviewTables::CsvPreviewTables(CsvPreviewModel* model, QWidget* parent)
     m_read->setSelectionModel(m_fields->selectionModel());
     m_read->verticalHeader()->hide();
     setChildrenCollapsible(false);
-    setStretchFactor(0, 3);
-    setStretchFactor(1, 2);
+    setStretchFactor(0, 1);
+    setStretchFactor(1, 0);
+    setSizes({500, fontMetrics().averageCharWidth() * 75});
 
     connect(m_fields->verticalScrollBar(), &QScrollBar::valueChanged, m_read->verticalScrollBar(),
             &QScrollBar::setValue);
@@ -51,6 +52,7 @@ QTableView* CsvPreviewTables::addTable(const QString& title, const char* name)
     // The same at both sides, whether or not there is something to scroll to: their rows must stay level.
     table->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     label->setBuddy(table);
     column->addWidget(label);
     column->addWidget(table);
@@ -77,11 +79,11 @@ void CsvPreviewTables::arrange()
     m_shownHeader = m_model->preview().header;
     const int unit = fontMetrics().averageCharWidth();
     for (int column = CsvPreviewModel::ReadColumnCount; column < count; ++column)
-        m_fields->setColumnWidth(column, unit * 24);
+        m_fields->setColumnWidth(column, unit * 26);
     for (const int column : {CsvPreviewModel::Track, CsvPreviewModel::Label})
-        m_read->setColumnWidth(column, unit * 20);
+        m_read->setColumnWidth(column, unit * 16);
     for (const int column : {CsvPreviewModel::Start, CsvPreviewModel::End})
-        m_read->setColumnWidth(column, unit * 27);
+        m_read->setColumnWidth(column, unit * 25);
     levelHeaders();
 }
 
