@@ -166,6 +166,8 @@ void CsvOptionsForm::createDelimiter()
 void CsvOptionsForm::createPattern()
 {
     m_dateFormat = addEditableBox("dateFormat", tr("Date p&attern:"), 1, 4);
+    // Completion takes MM for mm, and would not let "dd" stand for itself.
+    m_dateFormat->setCompleter(nullptr);
     for (const char* const pattern :
          {"yyyy-MM-dd", "yyyy-MM-dd HH:mm", "yyyy-MM-dd HH:mm:ss", "dd.MM.yyyy", "dd.MM.yyyy HH:mm",
           "dd.MM.yyyy HH:mm:ss", "dd/MM/yyyy", "dd/MM/yyyy HH:mm", "dd/MM/yyyy HH:mm:ss", "MM/dd/yyyy",
