@@ -2,6 +2,7 @@
 #include "ics_expander_p.h"
 #include "ics_line_reader_p.h"
 #include "kit_tr_p.h"
+#include "read_file_p.h"
 #include "time_limits_p.h"
 
 #include <VeskTimelineKit/ics_reader.h>
@@ -309,18 +310,7 @@ Result<Document> readIcs(QIODevice& device, const QString& fileName, const ReadO
 
 Result<Document> readIcs(const QString& fileName, const ReadOptions& options)
 {
-    if (fileName.isEmpty())
-        return FileError{fileName, 0, Tr::tr("no file name")};
-    if (QFileInfo(fileName).isDir())
-        return FileError{fileName, 0, Tr::tr("is a directory")};
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return FileError{fileName, 0, file.errorString()};
-    Result<Document> result = readIcs(file, fileName, options);
-    // A read that fails looks like the end of the text.
-    if (file.error() != QFileDevice::NoError)
-        return FileError{fileName, 0, file.errorString()};
-    return result;
+    return readFile(fileName, [&](QIODevice& device) { return readIcs(device, fileName, options); });
 }
 
 } // namespace VeskTimeline::Kit
