@@ -26,8 +26,8 @@ struct CsvPreview
     /// What was asked for with all that was detected filled in: every optional has a value, `columns` every field that
     /// a column was found for.
     CsvOptions options;
-    QStringList
-        guesses; ///< what was detected and not asked for, in sentences, as they stand in the document's warnings
+    QStringList guesses; ///< what was detected and not asked for, in sentences, as in the document's warnings behind
+                         ///< the file name
     QList<CsvPreviewRecord> records;
     /// Why the file as a whole cannot be read like this (as for a missing column for the start); null when it can.
     QString problem;
