@@ -69,7 +69,8 @@ private Q_SLOTS:
     {
         const QString file = write("begin,finish,note\n01/02/2020 10:00,,x\n");
         QStringList expected;
-        for (const QString& guess : previewCsv(file).value().guesses)
+        const auto preview = previewCsv(file);
+        for (const QString& guess : preview.value().guesses)
             expected.append(file + ": " + guess);
         QVERIFY(expected.size() >= 4);
         QCOMPARE(readCsv(file).value().warnings(), expected);
