@@ -13,6 +13,17 @@ class ModelContents;
 enum class StepKind;
 struct StandardTimelineModelPrivate;
 
+/// When an item is.
+struct ItemTimes
+{
+    int itemId = -1;
+    qint64 start = 0;    ///< milliseconds since the epoch, UTC
+    qint64 duration = 0; ///< milliseconds, not negative, or DocumentItem::openEnded
+
+    /// The start of an open-ended item.
+    qint64 end() const { return start + (duration > 0 ? duration : 0); }
+};
+
 /// A timeline model that is ready for use: filled from a Document, with labelled items, with rows that can be inserted
 /// and removed by their buttons, and with undo for everything that changes its contents.
 ///
@@ -96,14 +107,31 @@ public:
     /// ids.
     /// @param duration milliseconds, not negative, or DocumentItem::openEnded
     void retimeItem(int itemId, qint64 start, qint64 duration);
+    /// Sets the times of several items, as retimeItem(), in one step. @return their ids afterwards
+    QVector<int> retimeItems(const QVector<ItemTimes>& times);
+    /// Moves items to a track, at the times they have, in one step.
+    void moveItemsToTrack(const QVector<int>& itemIds, int trackId);
+    /// Of a long item, which any piece stands for, the times of the whole.
+    ItemTimes itemTimes(int itemId) const;
+    /// Each item once, and of a long item only the piece that comes first in the list.
+    QVector<int> withoutFurtherPieces(const QVector<int>& itemIds) const;
 
     /// The text of an item, as it is shown.
     QString itemLabel(int itemId) const;
-    void setItemLabel(int itemId, const QString& label);
+    void setItemLabel(int itemId, const QString& label) { setItemsLabel({itemId}, label); }
+    /// In one step, as all operations on several items.
+    void setItemsLabel(const QVector<int>& itemIds, const QString& label);
     QString itemDescription(int itemId) const;
-    void setItemDescription(int itemId, const QString& description);
+    void setItemDescription(int itemId, const QString& description) { setItemsDescription({itemId}, description); }
+    void setItemsDescription(const QVector<int>& itemIds, const QString& description);
     QMap<QString, QString> itemAttributes(int itemId) const;
     void setItemAttributes(int itemId, const QMap<QString, QString>& attributes);
+    /// Adds an attribute or replaces its value.
+    void setItemsAttribute(const QVector<int>& itemIds, const QString& name, const QString& value);
+    void removeItemsAttribute(const QVector<int>& itemIds, const QString& name);
+    /// Items without the attribute stay as they are.
+    /// @throws QString, with nothing changed, when one has an attribute of the new name, too
+    void renameItemsAttribute(const QVector<int>& itemIds, const QString& name, const QString& newName);
     /// @param color invalid: that of the track
     void setItemColor(int itemId, const QColor& color) { setItemsColor({itemId}, color); }
     void setItemsColor(const QVector<int>& itemIds, const QColor& color);
@@ -168,6 +196,8 @@ private:
 
     void removeFromModel(const QVector<int>& itemIds);
     void dropCopies(const Track& from, const QSet<int>& itemIds, const Track* stillBelow);
+    std::vector<int> positionsOf(int trackId, const QVector<int>& itemIds) const;
+    QVector<int> retimeOne(const ItemTimes& times);
     QVector<int> piecesOf(int itemId) const;
     template <typename Body>
     void changeDetails(StepKind kind, const QVector<int>& itemIds, const Body& body);

@@ -43,8 +43,9 @@ void StandardTimelineModel::copyToClipboard(const QVector<int>& itemIds)
 
 void StandardTimelineModel::cutToClipboard(const QVector<int>& itemIds)
 {
+    copyToClipboard(itemIds);
     StepScope scope(*d, StepKind::Cut);
-    TimelineModel::cutToClipboard(itemIds);
+    removeFromModel(itemIds);
 }
 
 // As the library will place the copies.

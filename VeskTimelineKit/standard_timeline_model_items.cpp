@@ -65,29 +65,31 @@ void StandardTimelineModel::removeItems(const QVector<int>& itemIds)
     removeFromModel(itemIds);
 }
 
+// Ascending. Looking each one up would be slow where many start at the same time.
+std::vector<int> StandardTimelineModel::positionsOf(int trackId, const QVector<int>& itemIds) const
+{
+    if (itemIds.size() == 1)
+        return {d->contents.positionOf(*item(itemIds.first()))};
+    const QSet<int> wanted(itemIds.begin(), itemIds.end());
+    std::vector<int> positions;
+    positions.reserve(static_cast<std::size_t>(wanted.size()));
+    int position = 0;
+    for (const ItemPtr& own : track(trackId)->items()) {
+        if (wanted.contains(own->id()))
+            positions.push_back(position);
+        ++position;
+    }
+    return positions;
+}
+
 void StandardTimelineModel::removeFromModel(const QVector<int>& itemIds)
 {
     for (const auto& [trackId, ids] : byTrack(*this, QSet<int>(itemIds.begin(), itemIds.end()))) {
         dropCopies(*track(trackId), QSet<int>(ids.begin(), ids.end()), nullptr);
-        Positions positions;
-        for (const int id : ids) {
-            positions.push_back(d->contents.positionOf(*item(id)));
+        for (const int id : ids)
             d->step->noteItem(id);
-        }
-        std::sort(positions.begin(), positions.end());
-        d->perform(std::make_unique<ItemsChange>(trackId, std::move(positions)));
+        d->perform(std::make_unique<ItemsChange>(trackId, positionsOf(trackId, ids)));
     }
-}
-
-template <typename Body>
-void StandardTimelineModel::recordItem(Item& item, const Body& body)
-{
-    ItemState before = d->contents.itemState(item.id());
-    body();
-    if (d->contents.itemState(item.id()) == before)
-        return;
-    d->contents.noteChanged(item, before.trackId);
-    d->record(std::make_unique<ItemChange>(item.id(), std::move(before)));
 }
 
 bool StandardTimelineModel::isRecorded(const Track& track, const Item& item) const
@@ -105,7 +107,7 @@ void StandardTimelineModel::setItemStartTime(Track& track, Item& item, qint64 ti
     }
     StepScope scope(*d, StepKind::Move);
     scope.joinGesture();
-    recordItem(item, [&] { TimelineModel::setItemStartTime(track, item, time); });
+    recordItem(item, [&] { d->contents.setTimes(item, time, item.duration()); });
 }
 
 void StandardTimelineModel::setItemDuration(Track& track, Item& item, int duration)
@@ -116,7 +118,7 @@ void StandardTimelineModel::setItemDuration(Track& track, Item& item, int durati
     }
     StepScope scope(*d, StepKind::Resize);
     scope.joinGesture();
-    recordItem(item, [&] { TimelineModel::setItemDuration(track, item, duration); });
+    recordItem(item, [&] { item._setDuration(std::max(duration, minimumDuration())); });
 }
 
 // The library's own operation, which writes the start time through the virtual one.
@@ -146,99 +148,6 @@ void StandardTimelineModel::moveItemToTrack(int itemId, int trackId, qint64 time
         if (labelled && !labelled->hasOwnColor())
             moved->setColor(ModelContents::colorOf(*to));
     });
-}
-
-void StandardTimelineModel::retimeItem(int itemId, qint64 start, qint64 duration)
-{
-    Item* const retimed = item(itemId);
-    ItemState state = d->contents.itemState(itemId);
-    const bool isResized = duration != state.duration;
-    const qint64 length = std::max<qint64>(duration, DocumentItem::openEnded);
-    if (length <= DocumentItem::longestBar && !state.details.piece.isPiece()) {
-        StepScope scope(*d, isResized ? StepKind::Resize : StepKind::Move);
-        recordItem(*retimed, [&] {
-            retimed->_setStartTime(start);
-            retimed->_setDuration(static_cast<int>(length));
-            track(state.trackId)->sort();
-        });
-        return;
-    }
-    const DocumentItem whole{state.details.label,
-                             start,
-                             length,
-                             state.details.color,
-                             state.details.isEditable,
-                             state.details.description,
-                             state.details.attributes};
-    StepScope scope(*d, StepKind::Other, tr("Resize item"));
-    removeFromModel(piecesOf(itemId));
-    putNewItems(state.trackId, makeItems(*track(state.trackId), {whole}, nullptr));
-}
-
-// The item itself when it is no piece.
-QVector<int> StandardTimelineModel::piecesOf(int itemId) const
-{
-    const LabelledItem* const labelled = labelledItem(itemId);
-    if (!labelled || !labelled->piece().isPiece())
-        return {itemId};
-    QVector<int> ids;
-    for (const ItemPtr& other : track(labelled->parentTrackId())->items()) {
-        const auto* const piece = dynamic_cast<const LabelledItem*>(other.get());
-        if (piece && piece->piece().whole == labelled->piece().whole)
-            ids.append(piece->id());
-    }
-    return ids;
-}
-
-template <typename Body>
-void StandardTimelineModel::changeDetails(StepKind kind, const QVector<int>& itemIds, const Body& body)
-{
-    QVector<int> ids;
-    for (const int id : itemIds)
-        ids.append(piecesOf(id));
-    StepScope scope(*d, kind);
-    for (const int id : std::as_const(ids)) {
-        const ItemState before = d->contents.itemState(id);
-        ItemState after = before;
-        body(after.details);
-        if (!(after == before))
-            d->perform(std::make_unique<ItemChange>(id, std::move(after)));
-    }
-}
-
-void StandardTimelineModel::setItemLabel(int itemId, const QString& label)
-{
-    item(itemId);
-    changeDetails(StepKind::Rename, {itemId}, [&label](ItemDetails& details) { details.label = label; });
-}
-
-void StandardTimelineModel::setItemDescription(int itemId, const QString& description)
-{
-    item(itemId);
-    changeDetails(StepKind::Describe, {itemId},
-                  [&description](ItemDetails& details) { details.description = description; });
-}
-
-void StandardTimelineModel::setItemAttributes(int itemId, const QMap<QString, QString>& attributes)
-{
-    item(itemId);
-    changeDetails(StepKind::Describe, {itemId},
-                  [&attributes](ItemDetails& details) { details.attributes = attributes; });
-}
-
-void StandardTimelineModel::setItemsColor(const QVector<int>& itemIds, const QColor& color)
-{
-    for (const int id : itemIds)
-        item(id);
-    changeDetails(StepKind::Recolour, itemIds, [&color](ItemDetails& details) { details.color = color; });
-}
-
-void StandardTimelineModel::setItemsLocked(const QVector<int>& itemIds, bool isLocked)
-{
-    for (const int id : itemIds)
-        item(id);
-    changeDetails(isLocked ? StepKind::Lock : StepKind::Unlock, itemIds,
-                  [isLocked](ItemDetails& details) { details.isEditable = !isLocked; });
 }
 
 } // namespace VeskTimeline::Kit

@@ -58,4 +58,15 @@ private:
     bool m_isOutermost;
 };
 
+template <typename Body>
+void StandardTimelineModel::recordItem(Item& item, const Body& body)
+{
+    ItemState before = d->contents.itemState(item.id());
+    body();
+    if (d->contents.itemState(item.id()) == before)
+        return;
+    d->contents.noteChanged(item, before.trackId);
+    d->record(std::make_unique<ItemChange>(item.id(), std::move(before)));
+}
+
 } // namespace VeskTimeline::Kit

@@ -21,6 +21,17 @@ auto at(List& list, int position)
     return list.begin() + std::clamp(position, 0, static_cast<int>(list.size()));
 }
 
+// Only what lies between is touched: most items move past few others.
+void moveWithin(Items& items, int from, int to)
+{
+    const auto here = at(items, from);
+    const auto there = at(items, std::min(to, static_cast<int>(items.size()) - 1));
+    if (there < here)
+        std::rotate(there, here, here + 1);
+    else if (here < there)
+        std::rotate(here, here + 1, there + 1);
+}
+
 } // namespace
 
 int ModelContents::positionOf(const Item& item) const
@@ -74,14 +85,27 @@ void ModelContents::setItemState(int itemId, const ItemState& state)
 
     Track& track = *m_model.track(state.trackId);
     Items& items = track.items();
-    const auto found = at(items, positionOf(item));
-    ItemPtr taken = std::move(*found);
-    items.erase(found);
+    moveWithin(items, positionOf(item), state.position);
     item._setStartTime(state.start);
     item._setDuration(state.duration);
     applyDetails(item, state.details, track);
-    items.insert(at(items, state.position), std::move(taken));
     noteChanged(item, formerTrackId);
+}
+
+void ModelContents::setTimes(Item& item, qint64 start, int duration)
+{
+    Items& items = m_model.track(item.parentTrackId())->items();
+    const int from = positionOf(item);
+    const auto startsLater = [](qint64 time, const ItemPtr& other) { return time < other->startTime(); };
+    item._setDuration(duration);
+    if (start == item.startTime())
+        return;
+    const auto here = items.begin() + from;
+    // The others are in order on either side.
+    const auto to = start > item.startTime() ? std::upper_bound(here + 1, items.end(), start, startsLater) - 1
+                                             : std::upper_bound(items.begin(), here, start, startsLater);
+    item._setStartTime(start);
+    moveWithin(items, from, static_cast<int>(to - items.begin()));
 }
 
 Items ModelContents::takeItems(int trackId, const Positions& positions)

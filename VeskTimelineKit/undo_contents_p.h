@@ -66,6 +66,8 @@ public:
 
     ItemState itemState(int itemId) const;
     void setItemState(int itemId, const ItemState& state);
+    /// Sets the times and puts the item where it then belongs, behind those that start at the same time.
+    void setTimes(Item& item, qint64 start, int duration);
     int positionOf(const Item& item) const;
 
     /// Takes items out of the model. @param positions in the track, ascending

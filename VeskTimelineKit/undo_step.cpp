@@ -39,6 +39,9 @@ StepTexts textsOf(StepKind kind)
     case StepKind::Describe:
         return {QT_TRANSLATE_NOOP("VeskTimelineKit", "Describe item"),
                 QT_TRANSLATE_NOOP("VeskTimelineKit", "Describe %n items")};
+    case StepKind::Attribute:
+        return {QT_TRANSLATE_NOOP("VeskTimelineKit", "Change attribute of item"),
+                QT_TRANSLATE_NOOP("VeskTimelineKit", "Change attribute of %n items")};
     case StepKind::Recolour:
         return {QT_TRANSLATE_NOOP("VeskTimelineKit", "Change colour of item"),
                 QT_TRANSLATE_NOOP("VeskTimelineKit", "Change colour of %n items")};
