@@ -39,8 +39,7 @@ void StandardTimelineModel::setItemAttributes(int itemId, const QMap<QString, QS
 
 void StandardTimelineModel::setItemsAttribute(const QVector<int>& itemIds, const QString& name, const QString& value)
 {
-    changeDetails(StepKind::Attribute, itemIds,
-                  [&](ItemDetails& details) { details.attributes.insert(name, value); });
+    changeDetails(StepKind::Attribute, itemIds, [&](ItemDetails& details) { details.attributes.insert(name, value); });
 }
 
 void StandardTimelineModel::removeItemsAttribute(const QVector<int>& itemIds, const QString& name)

@@ -9,7 +9,21 @@
 namespace VeskTimeline::Kit {
 
 /// What a step does to items; Other has a text of its own.
-enum class StepKind { Other, Add, Delete, Cut, Paste, Move, Resize, Rename, Describe, Attribute, Recolour, Lock, Unlock };
+enum class StepKind {
+    Other,
+    Add,
+    Delete,
+    Cut,
+    Paste,
+    Move,
+    Resize,
+    Rename,
+    Describe,
+    Attribute,
+    Recolour,
+    Lock,
+    Unlock
+};
 
 /// One entry of the undo stack: changes that are made and taken back together.
 ///

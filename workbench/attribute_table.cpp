@@ -49,8 +49,11 @@ private:
 } // namespace
 
 AttributeTable::AttributeTable(Edits edits, QWidget* parent)
-    : QWidget(parent), m_edits(std::move(edits)), m_table(new QTableWidget(0, ColumnCount, this)),
-      m_remove(new QPushButton(tr("Remove"), this)), m_error(new QLabel(this))
+    : QWidget(parent),
+      m_edits(std::move(edits)),
+      m_table(new QTableWidget(0, ColumnCount, this)),
+      m_remove(new QPushButton(tr("Remove"), this)),
+      m_error(new QLabel(this))
 {
     m_table->setObjectName(QStringLiteral("attributes"));
     m_table->setHorizontalHeaderLabels({tr("Attribute"), tr("Value")});

@@ -19,8 +19,9 @@ constexpr int swatchSize = 16;
 
 ColorMenu::ColorMenu(const QString& title, const QString& noneText, QWidget* parent) : QMenu(title, parent)
 {
-    const QString names[paletteSize] = {tr("Blue"),   tr("Orange"), tr("Green"), tr("Red"),   tr("Teal"),   tr("Yellow"),
-                                        tr("Purple"), tr("Pink"),   tr("Brown"), tr("Olive"), tr("Indigo"), tr("Grey")};
+    const QString names[paletteSize] = {tr("Blue"),  tr("Orange"), tr("Green"),  tr("Red"),
+                                        tr("Teal"),  tr("Yellow"), tr("Purple"), tr("Pink"),
+                                        tr("Brown"), tr("Olive"),  tr("Indigo"), tr("Grey")};
     for (int i = 0; i < paletteSize; ++i) {
         const QColor color = StandardTimelineModel::trackColor(i);
         connect(addAction(swatch(color), names[i]), &QAction::triggered, this,

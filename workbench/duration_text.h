@@ -14,7 +14,8 @@ std::optional<qint64> parseDuration(const QString& text);
 /// As parseDuration() reads it back: "1d 2:03:04.5", "open" for a negative one.
 QString formatDuration(qint64 duration);
 
-/// Reads a point in time as Kit::parseTime() does, and also one without a zone, which is taken as UTC, and a date alone.
+/// Reads a point in time as Kit::parseTime() does, and also one without a zone, which is taken as UTC, and a date
+/// alone.
 /// @return nothing for other text and for times outside the years 1 to 9999
 std::optional<qint64> parseUtcTime(const QString& text);
 

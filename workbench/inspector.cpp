@@ -143,7 +143,7 @@ void Inspector::showSummary(bool isOther)
     const bool isMixedTrack = m_summary.trackId.isMixed();
     m_track->setCurrentIndex(isMixedTrack ? -1 : m_track->findData(m_summary.trackId.value()));
     m_locked->setTristate(m_summary.isLocked.isMixed());
-    m_locked->setCheckState(m_summary.isLocked.isMixed()   ? Qt::PartiallyChecked
+    m_locked->setCheckState(m_summary.isLocked.isMixed() ? Qt::PartiallyChecked
                             : m_summary.isLocked.value() ? Qt::Checked
                                                          : Qt::Unchecked);
     if (isOther)
@@ -165,8 +165,8 @@ void Inspector::showColor()
 {
     const bool isMixed = m_summary.color.isMixed();
     const QColor own = m_summary.color.value();
-    m_color->setIcon(ColorMenu::swatch(isMixed || m_summary.shownColor.isMixed() ? QColor()
-                                                                               : m_summary.shownColor.value()));
+    m_color->setIcon(
+        ColorMenu::swatch(isMixed || m_summary.shownColor.isMixed() ? QColor() : m_summary.shownColor.value()));
     m_color->setText(isMixed ? tr("(mixed)") : own.isValid() ? own.name().toUpper() : tr("of the track"));
     m_colorMenu->setCurrent(isMixed ? QColor() : m_summary.shownColor.value());
 }

@@ -1,9 +1,8 @@
-#include "inspector.h"
-
 #include "attribute_table.h"
 #include "color_menu.h"
 #include "duration_text.h"
 #include "edit_field.h"
+#include "inspector.h"
 
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
@@ -23,8 +22,13 @@ using namespace VeskTimeline;
 using namespace VeskTimeline::Kit;
 
 Inspector::Inspector(StandardTimelineModel* model, TimelineView* view, QWidget* parent)
-    : QWidget(parent), m_model(model), m_view(view), m_refreshTimer(new QTimer(this)), m_dragTimer(new QTimer(this)),
-      m_title(new QLabel(this)), m_form(new QWidget)
+    : QWidget(parent),
+      m_model(model),
+      m_view(view),
+      m_refreshTimer(new QTimer(this)),
+      m_dragTimer(new QTimer(this)),
+      m_title(new QLabel(this)),
+      m_form(new QWidget)
 {
     setObjectName(QStringLiteral("inspectorContent"));
     m_title->setObjectName(QStringLiteral("inspectorTitle"));
@@ -58,8 +62,8 @@ void Inspector::createFields()
     m_label = new EditField(QStringLiteral("label"), EditField::OneLine, setLabel);
     m_start = new EditField(QStringLiteral("start"), EditField::OneLine,
                             [this](const QString& text) { return setStart(text); });
-    m_end = new EditField(QStringLiteral("end"), EditField::OneLine,
-                          [this](const QString& text) { return setEnd(text); });
+    m_end =
+        new EditField(QStringLiteral("end"), EditField::OneLine, [this](const QString& text) { return setEnd(text); });
     m_duration = new EditField(QStringLiteral("duration"), EditField::OneLine,
                                [this](const QString& text) { return setDuration(text); });
     m_description = new EditField(QStringLiteral("description"), EditField::SeveralLines, setDescription);

@@ -21,10 +21,30 @@ namespace Workbench {
 using namespace VeskTimeline;
 using namespace VeskTimeline::Kit;
 
+namespace {
+
+/// Makes one step of those pushed while it lives.
+class Macro
+{
+public:
+    Macro(QUndoStack* stack, const QString& text) : m_stack(stack) { m_stack->beginMacro(text); }
+    ~Macro() { m_stack->endMacro(); }
+    Q_DISABLE_COPY_MOVE(Macro)
+
+private:
+    QUndoStack* m_stack;
+};
+
+} // namespace
+
 ItemCommands::ItemCommands(StandardTimelineModel* model, TimelineView* view, QObject* parent)
-    : QObject(parent), m_model(model), m_view(view), m_formerSelectHandler(view->selectHandler()),
-      m_formerTrackHandler(view->trackHandler()), m_tracks(new TrackCommands(model, view, this)),
-      m_colorMenu(std::make_unique<ColorMenu>(tr("&Colour"), tr("Colour of the &track"), view->window()))
+    : QObject(parent),
+      m_model(model),
+      m_view(view),
+      m_formerSelectHandler(view->selectHandler()),
+      m_formerTrackHandler(view->trackHandler()),
+      m_tracks(new TrackCommands(model, view, this)),
+      m_colorMenu(new ColorMenu(tr("&Colour"), tr("Colour of the &track"), view))
 {
     m_requests.rowPressed = [this](int trackId) { m_tracks->setCurrent(trackId); };
     m_requests.emptyPlaceActivated = [this](int trackId, qint64 time) { addItemAt(trackId, time); };
@@ -41,7 +61,7 @@ ItemCommands::ItemCommands(StandardTimelineModel* model, TimelineView* view, QOb
     connect(view, &QWidget::customContextMenuRequested, this, &ItemCommands::showContextMenu);
     connect(view, &TimelineView::itemActivated, this, &ItemCommands::activateItem);
     connect(view, &TimelineView::selectedItemsChanged, this, &ItemCommands::updateActions);
-    connect(m_colorMenu.get(), &ColorMenu::colorChosen, this, &ItemCommands::setColor);
+    connect(m_colorMenu, &ColorMenu::colorChosen, this, &ItemCommands::setColor);
     connect(m_tracks, &TrackCommands::refused, this, &ItemCommands::refused);
     updateActions();
 }
@@ -96,7 +116,7 @@ void ItemCommands::addItemActions(QMenu* menu)
     menu->addAction(m_addItem);
     menu->addSeparator();
     menu->addActions({m_lock, m_unlock});
-    menu->addMenu(m_colorMenu.get());
+    menu->addMenu(m_colorMenu);
     connect(menu, &QMenu::aboutToShow, this, &ItemCommands::updateActions);
 }
 
@@ -179,13 +199,12 @@ void ItemCommands::duplicate()
     QVector<int> added;
     const auto count = static_cast<int>(selected.ids.size());
     attempt([&] {
-        m_model->undoStack()->beginMacro(count == 1 ? tr("Duplicate item") : tr("Duplicate %1 items").arg(count));
+        const Macro step(m_model->undoStack(), count == 1 ? tr("Duplicate item") : tr("Duplicate %1 items").arg(count));
         for (auto& [trackId, items] : copies) {
             for (DocumentItem& item : items)
                 item.start += offset;
             added += m_model->addItems(trackId, items);
         }
-        m_model->undoStack()->endMacro();
     });
     m_view->selectItems(added, true);
 }
@@ -216,9 +235,8 @@ void ItemCommands::addItem()
         addItemAt(trackId, time);
         return;
     }
-    m_model->undoStack()->beginMacro(tr("Add item"));
+    const Macro step(m_model->undoStack(), tr("Add item"));
     addItemAt(m_model->addTrack(tr("New track")), time);
-    m_model->undoStack()->endMacro();
 }
 
 void ItemCommands::activateItem(int itemId)
@@ -267,7 +285,7 @@ void ItemCommands::showContextMenu(const QPoint& pos)
         menu->addActions({m_cut, m_copy, m_paste, m_duplicate, m_delete});
         menu->addSeparator();
         menu->addActions({m_lock, m_unlock});
-        menu->addMenu(m_colorMenu.get());
+        menu->addMenu(m_colorMenu);
         menu->addSeparator();
         m_tracks->addActions(menu->addMenu(tr("T&rack")));
     }

@@ -67,7 +67,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    QAction* addAction(const char* name, const QString& text, const QKeySequence& shortcut, void (ItemCommands::*slot)());
+    QAction* addAction(const char* name, const QString& text, const QKeySequence& shortcut,
+                       void (ItemCommands::*slot)());
     void createActions();
     void pressKey(int key);
     void setLocked(bool isLocked);
@@ -97,7 +98,7 @@ private:
     QAction* m_addItem = nullptr;
     QAction* m_lock = nullptr;
     QAction* m_unlock = nullptr;
-    std::unique_ptr<ColorMenu> m_colorMenu;
+    ColorMenu* m_colorMenu;
 };
 
 } // namespace Workbench

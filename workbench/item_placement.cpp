@@ -14,9 +14,9 @@ namespace {
 constexpr qint64 second = 1000;
 constexpr qint64 minute = 60 * second;
 constexpr qint64 hour = 60 * minute;
-constexpr std::array<qint64, 13> roundDurations{second,      5 * second,  15 * second, 30 * second, minute,
-                                                5 * minute,  15 * minute, 30 * minute, hour,        2 * hour,
-                                                6 * hour,    12 * hour,   24 * hour};
+constexpr std::array<qint64, 13> roundDurations{second,     5 * second,  15 * second, 30 * second, minute,
+                                                5 * minute, 15 * minute, 30 * minute, hour,        2 * hour,
+                                                6 * hour,   12 * hour,   24 * hour};
 
 } // namespace
 

@@ -28,6 +28,7 @@ struct DocumentFormat;
 namespace Workbench {
 
 class FindBar;
+class ItemCommands;
 class Navigation;
 class OverviewStrip;
 class ViewSettings;
@@ -78,6 +79,7 @@ private:
     void addUndoActions(QMenu* menu);
     /// Export, print preview and print.
     void addPictureActions(QMenu* fileMenu);
+    void createInspector();
     void createToolBar();
     /// @param name of the action as an object and of its icon, if there is one
     QAction* addMenuAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& shortcut = {});
@@ -101,6 +103,7 @@ private:
     OverviewStrip* m_overviewStrip = nullptr;
     FindBar* m_findBar = nullptr;
     QStringList m_warnings;
+    ItemCommands* m_itemCommands = nullptr;
     QAction* m_previousPart = nullptr;
     QAction* m_nextPart = nullptr;
     QLabel* m_contentLabel = nullptr;

@@ -37,6 +37,8 @@ void MainWindow::createViewMenu()
     addRulerEntries(menu, m_viewSettings);
     menu->addSeparator();
     addThemeEntries(menu, m_theme);
+    menu->addSeparator();
+    menu->addAction(findChild<QAction*>(QStringLiteral("inspector")));
 }
 
 void MainWindow::keepViewSettings(std::optional<Theme::Scheme> look)

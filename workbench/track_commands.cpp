@@ -31,11 +31,14 @@ QString newName(const Track& parent)
 } // namespace
 
 TrackCommands::TrackCommands(StandardTimelineModel* model, TimelineView* view, QObject* parent)
-    : QObject(parent), m_model(model), m_view(view),
-      m_colorMenu(new ColorMenu(tr("&Colour of track"), tr("&Default"), view)), m_title(new QAction(this)),
+    : QObject(parent),
+      m_model(model),
+      m_view(view),
+      m_colorMenu(new ColorMenu(tr("&Colour of track"), tr("&Default"), view)),
+      m_title(new QAction(this)),
       m_add(addAction("add_track", tr("&Add track"), tr("Ctrl+T"), &TrackCommands::addTrack)),
-      m_addInside(addAction("add_track_inside", tr("Add track &inside"), tr("Ctrl+Shift+T"),
-                            &TrackCommands::addTrackInside)),
+      m_addInside(
+          addAction("add_track_inside", tr("Add track &inside"), tr("Ctrl+Shift+T"), &TrackCommands::addTrackInside)),
       m_rename(addAction("rename_track", tr("&Rename track…"), tr("F2"), &TrackCommands::renameCurrent)),
       m_remove(addAction("remove_track", tr("Re&move track…"), {}, &TrackCommands::removeCurrent)),
       m_up(addAction("track_up", tr("Move track &up"), tr("Alt+Up"), &TrackCommands::moveUp)),
@@ -76,7 +79,6 @@ void TrackCommands::addActions(QMenu* menu)
         for (QAction* const action : {m_addInside, m_rename, m_remove, m_up, m_down, m_in, m_out})
             action->setEnabled(true);
     });
-    updateActions();
 }
 
 int TrackCommands::current() const
@@ -177,9 +179,8 @@ void TrackCommands::rename(int trackId)
         m_view->expand(above);
     m_view->scrollTo(index);
     auto* const editor = new TrackNameEditor(m_view, trackId, m_model->track(trackId)->text());
-    connect(editor, &TrackNameEditor::named, this, [this, trackId](const QString& name) {
-        attempt([&] { m_model->renameTrack(trackId, name); });
-    });
+    connect(editor, &TrackNameEditor::named, this,
+            [this, trackId](const QString& name) { attempt([&] { m_model->renameTrack(trackId, name); }); });
 }
 
 void TrackCommands::setColor(const QColor& color)
