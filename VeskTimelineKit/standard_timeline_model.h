@@ -197,6 +197,8 @@ private:
     void removeFromModel(const QVector<int>& itemIds);
     void dropCopies(const Track& from, const QSet<int>& itemIds, const Track* stillBelow);
     std::vector<int> positionsOf(int trackId, const QVector<int>& itemIds) const;
+    static std::vector<int> positionsBehind(const Items& own, const std::vector<const Item*>& items);
+    static void settle(Item& item, const Track& track);
     QVector<int> retimeOne(const ItemTimes& times);
     QVector<int> piecesOf(int itemId) const;
     template <typename Body>

@@ -1,21 +1,8 @@
 #include "standard_timeline_model_p.h"
 
 #include <algorithm>
-#include <map>
 
 namespace VeskTimeline::Kit {
-
-namespace {
-
-std::map<int, QVector<int>> byTrack(const TimelineModel& model, const QSet<int>& itemIds)
-{
-    std::map<int, QVector<int>> groups;
-    for (const int id : itemIds)
-        groups[model.item(id)->parentTrackId()].append(id);
-    return groups;
-}
-
-} // namespace
 
 int StandardTimelineModel::addItem(int trackId, const DocumentItem& item)
 {
@@ -31,21 +18,32 @@ QVector<int> StandardTimelineModel::addItems(int trackId, const std::vector<Docu
     return ids;
 }
 
+// The places of items that are put among others, behind those that start at the same time.
+std::vector<int> StandardTimelineModel::positionsBehind(const Items& own, const std::vector<const Item*>& items)
+{
+    std::vector<int> positions;
+    positions.reserve(items.size());
+    for (const Item* const item : items) {
+        const auto behind =
+            std::upper_bound(own.begin(), own.end(), item->startTime(),
+                             [](qint64 time, const ItemPtr& other) { return time < other->startTime(); });
+        positions.push_back(static_cast<int>(behind - own.begin()) + static_cast<int>(positions.size()));
+    }
+    return positions;
+}
+
 // Behind the items that start at the same time, and themselves in the order given. `items` is sorted.
 void StandardTimelineModel::putNewItems(int trackId, Items&& items)
 {
     if (items.empty())
         return;
-    const Items& own = track(trackId)->items();
-    Positions positions;
-    positions.reserve(items.size());
+    std::vector<const Item*> added;
+    added.reserve(items.size());
     for (const ItemPtr& item : items) {
-        const auto behind =
-            std::upper_bound(own.begin(), own.end(), item->startTime(),
-                             [](qint64 time, const ItemPtr& other) { return time < other->startTime(); });
-        positions.push_back(static_cast<int>(behind - own.begin()) + static_cast<int>(positions.size()));
+        added.push_back(item.get());
         d->step->noteItem(item->id());
     }
+    Positions positions = positionsBehind(track(trackId)->items(), added);
     d->perform(std::make_unique<ItemsChange>(trackId, std::move(positions), std::move(items)));
 }
 
@@ -84,7 +82,7 @@ std::vector<int> StandardTimelineModel::positionsOf(int trackId, const QVector<i
 
 void StandardTimelineModel::removeFromModel(const QVector<int>& itemIds)
 {
-    for (const auto& [trackId, ids] : byTrack(*this, QSet<int>(itemIds.begin(), itemIds.end()))) {
+    for (const auto& [trackId, ids] : itemsByTrack(*this, itemIds)) {
         dropCopies(*track(trackId), QSet<int>(ids.begin(), ids.end()), nullptr);
         for (const int id : ids)
             d->step->noteItem(id);

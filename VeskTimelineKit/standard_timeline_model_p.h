@@ -9,6 +9,8 @@
 
 #include <QUndoStack>
 
+#include <map>
+
 namespace VeskTimeline::Kit {
 
 struct StandardTimelineModelPrivate
@@ -57,6 +59,15 @@ private:
     StandardTimelineModelPrivate& m_d;
     bool m_isOutermost;
 };
+
+/// Each id once, by the tracks that the items are on.
+inline std::map<int, QVector<int>> itemsByTrack(const TimelineModel& model, const QVector<int>& itemIds)
+{
+    std::map<int, QVector<int>> groups;
+    for (const int id : QSet<int>(itemIds.begin(), itemIds.end()))
+        groups[model.item(id)->parentTrackId()].append(id);
+    return groups;
+}
 
 template <typename Body>
 void StandardTimelineModel::recordItem(Item& item, const Body& body)

@@ -102,18 +102,43 @@ QVector<int> StandardTimelineModel::retimeItems(const QVector<ItemTimes>& times)
     return result;
 }
 
+// Items without a colour of their own show that of the track.
+void StandardTimelineModel::settle(Item& item, const Track& track)
+{
+    auto& labelled = dynamic_cast<LabelledItem&>(item);
+    labelled.setIds(item.id(), track.id());
+    if (!labelled.hasOwnColor())
+        item.setColor(ModelContents::colorOf(track));
+}
+
 void StandardTimelineModel::moveItemsToTrack(const QVector<int>& itemIds, int trackId)
 {
-    track(trackId);
-    for (const int id : itemIds)
-        item(id);
-    const QVector<int> separate = withoutFurtherPieces(itemIds);
+    const Track& target = *track(trackId);
+    QVector<int> ids;
+    QVector<int> foreign;
+    for (const int id : withoutFurtherPieces(itemIds)) {
+        for (const int piece : piecesOf(id))
+            (labelledItem(piece) ? ids : foreign).append(piece);
+    }
     StepScope scope(*d, StepKind::Move);
-    for (const int id : separate) {
-        for (const int piece : piecesOf(id)) {
-            if (item(piece)->parentTrackId() != trackId)
-                moveItemToTrack(piece, trackId, item(piece)->startTime());
-        }
+    for (const auto& [fromId, group] : itemsByTrack(*this, ids)) {
+        if (fromId == trackId)
+            continue;
+        dropCopies(*track(fromId), QSet<int>(group.begin(), group.end()), &target);
+        Positions from = positionsOf(fromId, group);
+        std::vector<const Item*> moved;
+        moved.reserve(from.size());
+        for (const int position : from)
+            moved.push_back(track(fromId)->items()[static_cast<std::size_t>(position)].get());
+        for (const Item* const item : moved)
+            d->step->noteItem(item->id());
+        Positions to = positionsBehind(target.items(), moved);
+        d->perform(std::make_unique<ItemsMove>(fromId, std::move(from), trackId, std::move(to)));
+    }
+    // A subclass may have put items of another kind in.
+    for (const int id : std::as_const(foreign)) {
+        if (item(id)->parentTrackId() != trackId)
+            moveItemToTrack(id, trackId, item(id)->startTime());
     }
 }
 

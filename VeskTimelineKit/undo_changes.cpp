@@ -19,6 +19,13 @@ void ItemsChange::swap(ModelContents& contents)
         contents.putItems(m_trackId, m_positions, std::exchange(m_items, {}));
 }
 
+void ItemsMove::swap(ModelContents& contents)
+{
+    contents.moveItems(m_trackId, m_positions, m_otherTrackId, m_otherPositions);
+    std::swap(m_trackId, m_otherTrackId);
+    std::swap(m_positions, m_otherPositions);
+}
+
 void TrackChange::swap(ModelContents& contents)
 {
     if (m_track)

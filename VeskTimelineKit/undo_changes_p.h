@@ -55,6 +55,26 @@ private:
     Items m_items;
 };
 
+/// Items that are on one of two tracks.
+class ItemsMove : public Change
+{
+public:
+    /// @param otherTrackId where they are not; the positions are those that they have, or would have, on each
+    ItemsMove(int trackId, Positions positions, int otherTrackId, Positions otherPositions)
+        : m_trackId(trackId), m_positions(std::move(positions)), m_otherTrackId(otherTrackId),
+          m_otherPositions(std::move(otherPositions))
+    {
+    }
+
+    void swap(ModelContents& contents) override;
+
+private:
+    int m_trackId;
+    Positions m_positions;
+    int m_otherTrackId;
+    Positions m_otherPositions;
+};
+
 /// A track, with all that is in it, that is there on one side only; while it is not, the change owns it.
 class TrackChange : public Change
 {

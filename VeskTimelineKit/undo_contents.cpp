@@ -164,6 +164,15 @@ void ModelContents::putItems(int trackId, const Positions& positions, Items&& it
     own = std::move(merged);
 }
 
+void ModelContents::moveItems(int fromId, const Positions& fromPositions, int toId, const Positions& toPositions)
+{
+    const Track& to = *m_model.track(toId);
+    Items items = takeItems(fromId, fromPositions);
+    for (const ItemPtr& item : items)
+        StandardTimelineModel::settle(*item, to);
+    putItems(toId, toPositions, std::move(items));
+}
+
 QModelIndex ModelContents::rowOf(const Track& track) const
 {
     if (&track == std::as_const(m_model).rootTrack())

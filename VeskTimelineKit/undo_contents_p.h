@@ -75,6 +75,9 @@ public:
     /// Puts items where they will stand then. @param positions ascending, one for each item
     void putItems(int trackId, const Positions& positions, Items&& items);
 
+    /// Takes items of this model's own kind from one track to another. @param positions there, as for both above
+    void moveItems(int fromId, const Positions& fromPositions, int toId, const Positions& toPositions);
+
     TrackPlace placeOf(const Track& track) const;
     TrackPtr takeTrack(const TrackPlace& place);
     void putTrack(const TrackPlace& place, TrackPtr&& track);

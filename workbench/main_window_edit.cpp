@@ -45,6 +45,8 @@ void MainWindow::createInspector()
     auto* const inspector = new Inspector(m_model.get(), view(), dock);
     dock->setWidget(inspector);
     addDockWidget(Qt::RightDockWidgetArea, dock);
+    constexpr int width = 280;
+    resizeDocks({dock}, {width}, Qt::Horizontal);
     QAction* const toggle = dock->toggleViewAction();
     toggle->setObjectName(QStringLiteral("inspector"));
     toggle->setText(tr("&Inspector"));
