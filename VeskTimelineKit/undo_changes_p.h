@@ -61,7 +61,9 @@ class ItemsMove : public Change
 public:
     /// @param otherTrackId where they are not; the positions are those that they have, or would have, on each
     ItemsMove(int trackId, Positions positions, int otherTrackId, Positions otherPositions)
-        : m_trackId(trackId), m_positions(std::move(positions)), m_otherTrackId(otherTrackId),
+        : m_trackId(trackId),
+          m_positions(std::move(positions)),
+          m_otherTrackId(otherTrackId),
           m_otherPositions(std::move(otherPositions))
     {
     }

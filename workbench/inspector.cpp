@@ -22,7 +22,12 @@ namespace Workbench {
 using namespace VeskTimeline;
 using namespace VeskTimeline::Kit;
 
-Inspector::~Inspector() = default;
+Inspector::~Inspector()
+{
+    // Fields commit what is in them when they lose the focus, which is also what happens as they go.
+    m_model.clear();
+    delete m_form;
+}
 
 void Inspector::follow()
 {
@@ -81,7 +86,7 @@ bool Inspector::eventFilter(QObject* watched, QEvent* event)
 // A drag is in the model only when it is over. All items move by the same, so the items need not be looked at.
 void Inspector::followDrag()
 {
-    const TimelineViewDragHandler* const drag = m_view->dragHandler();
+    const TimelineViewDragHandler* const drag = m_view ? m_view->dragHandler() : nullptr;
     const bool isDragged = isVisible() && drag && drag->isActive() && !m_summary.ids.isEmpty() &&
                            drag->dragItemIds() == m_view->selectedItemIds();
     if (!isDragged && !m_showsDrag)
@@ -107,7 +112,7 @@ void Inspector::leaveFields()
 
 void Inspector::refresh()
 {
-    if (!isVisible())
+    if (!isVisible() || !m_model || !m_view)
         return;
     SelectionSummary summary = summarise(*m_model, m_view->selectedItemIds());
     const bool isOther = summary.ids != m_summary.ids;

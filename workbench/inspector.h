@@ -2,6 +2,7 @@
 
 #include "selection_summary.h"
 
+#include <QPointer>
 #include <QWidget>
 
 class QCheckBox;
@@ -37,7 +38,7 @@ class Inspector : public QWidget
     Q_OBJECT
 
 public:
-    /// @param view one that shows the model; both must outlive the inspector or be gone with it
+    /// @param view one that shows the model
     Inspector(VeskTimeline::Kit::StandardTimelineModel* model, VeskTimeline::TimelineView* view,
               QWidget* parent = nullptr);
     ~Inspector() override;
@@ -46,6 +47,8 @@ public:
     const QList<int>& itemIds() const { return m_summary.ids; }
     /// Gives the keyboard to the label, with all of it selected.
     void editLabel();
+    /// Takes what is being typed, if it can be read, and drops it otherwise; for before the document is saved or left.
+    void commitPending() { leaveFields(); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -77,8 +80,8 @@ private:
     void setTrack(int row);
     void setLocked();
 
-    VeskTimeline::Kit::StandardTimelineModel* m_model;
-    VeskTimeline::TimelineView* m_view;
+    QPointer<VeskTimeline::Kit::StandardTimelineModel> m_model;
+    QPointer<VeskTimeline::TimelineView> m_view;
     QTimer* m_refreshTimer;
     QTimer* m_dragTimer;
     SelectionSummary m_summary;

@@ -128,6 +128,8 @@ void Inspector::createAttributes()
 template <typename Body>
 QString Inspector::edit(const Body& body)
 {
+    if (!m_model)
+        return {};
     m_summary.ids = knownItems(*m_model, m_summary.ids);
     if (m_summary.ids.isEmpty())
         return {};

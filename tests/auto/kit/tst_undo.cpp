@@ -142,12 +142,13 @@ public:
     void act()
     {
         static const QList<void (RandomUser::*)()> acts{
-            &RandomUser::addTrack,   &RandomUser::insertBelow, &RandomUser::moveTrack,   &RandomUser::renameTrack,
-            &RandomUser::colorTrack, &RandomUser::removeTrack, &RandomUser::addItem,     &RandomUser::addItems,
-            &RandomUser::addItems,   &RandomUser::removeItem,  &RandomUser::removeItems, &RandomUser::retime,
-            &RandomUser::shift,      &RandomUser::resize,      &RandomUser::drop,        &RandomUser::relabel,
-            &RandomUser::describe,   &RandomUser::color,       &RandomUser::lock,        &RandomUser::copies,
-            &RandomUser::paste,      &RandomUser::cut,         &RandomUser::snap,        &RandomUser::addDocument};
+            &RandomUser::addTrack,    &RandomUser::insertBelow, &RandomUser::moveTrack,   &RandomUser::renameTrack,
+            &RandomUser::colorTrack,  &RandomUser::removeTrack, &RandomUser::addItem,     &RandomUser::addItems,
+            &RandomUser::addItems,    &RandomUser::removeItem,  &RandomUser::removeItems, &RandomUser::retime,
+            &RandomUser::shift,       &RandomUser::resize,      &RandomUser::drop,        &RandomUser::relabel,
+            &RandomUser::describe,    &RandomUser::color,       &RandomUser::lock,        &RandomUser::copies,
+            &RandomUser::relabelMany, &RandomUser::retimeMany,  &RandomUser::moveMany,    &RandomUser::attribute,
+            &RandomUser::paste,       &RandomUser::cut,         &RandomUser::snap,        &RandomUser::addDocument};
         (this->*acts.at(number(static_cast<int>(acts.size()))))();
         if (number(3) != 0)
             m_model.finishGesture();
@@ -300,6 +301,28 @@ private:
         m_model.setItemAttributes(id, {{"a", QString::number(number(2))}});
     }
     void color() { m_model.setItemsColor(someItems(), anyColor()); }
+    void relabelMany() { m_model.setItemsLabel(someItems(), QString::number(number(5))); }
+    void retimeMany()
+    {
+        QVector<ItemTimes> times;
+        for (const int id : someItems())
+            times.append({id, time(), newItem().duration});
+        m_model.retimeItems(times);
+    }
+    void moveMany()
+    {
+        const int trackId = anyInnerTrack();
+        if (trackId != -1)
+            m_model.moveItemsToTrack(someItems(), trackId);
+    }
+    void attribute()
+    {
+        const QVector<int> ids = someItems();
+        if (number(3) == 0)
+            m_model.removeItemsAttribute(ids, "a");
+        else
+            m_model.setItemsAttribute(ids, "a", QString::number(number(3)));
+    }
     void lock() { m_model.setItemsLocked(someItems(), number(2) == 0); }
     void copies()
     {
@@ -449,6 +472,48 @@ private Q_SLOTS:
         }
     }
 
+    void operationsOnSeveralItemsAreOneStep()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        const int track = model.addTrack("New");
+        const QVector<int> ids = model.addItems(track, {{"x", 0, 10, {}}, {"y", 20, 10, {}}, {"z", 40, -1, {}}});
+        QUndoStack& stack = *model.undoStack();
+        stack.clear();
+        QSignalSpy changed(&model, &StandardTimelineModel::itemsChanged);
+        model.setItemsLabel(ids, "same");
+        model.setItemsDescription(ids, "text");
+        model.setItemsAttribute(ids, "a", "1");
+        model.renameItemsAttribute(ids, "a", "b");
+        QCOMPARE(model.itemAttributes(ids.last()), (QMap<QString, QString>{{"b", "1"}}));
+        model.removeItemsAttribute(ids, "b");
+        QCOMPARE(model.retimeItems({{ids[0], 50, 10}, {ids[1], 60, 10}}), (QVector<int>{ids[0], ids[1]}));
+        QCOMPARE(model.track(track)->itemIds(false, false), (QVector<int>{ids[2], ids[0], ids[1]}));
+        model.retimeItems({{ids[0], 50, 20}, {ids[1], 60, 20}});
+        model.moveItemsToTrack(ids, 1);
+        QCOMPARE(model.track(track)->itemCount(), 0);
+        QCOMPARE(model.item(ids[1])->color(), model.colorOfTrack(1));
+        QCOMPARE(texts(stack), (QStringList{"Rename 3 items", "Describe 3 items", "Change attribute of 3 items",
+                                            "Change attribute of 3 items", "Change attribute of 3 items",
+                                            "Move 2 items", "Resize 2 items", "Move 3 items"}));
+        QCOMPARE(changed.size(), 8);
+        stack.undo();
+        QCOMPARE(model.track(track)->itemIds(false, false), (QVector<int>{ids[2], ids[0], ids[1]}));
+        verifyConsistent(model);
+    }
+
+    void renamingOntoAnotherAttributeIsRefused()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.setItemAttributes(0, {{"a", "1"}});
+        model.setItemAttributes(1, {{"a", "1"}, {"b", "2"}});
+        const int steps = model.undoStack()->count();
+        QVERIFY_EXCEPTION_THROWN(model.renameItemsAttribute({0, 1}, "a", "b"), QString);
+        QCOMPARE(model.undoStack()->count(), steps);
+        QCOMPARE(model.itemAttributes(0), (QMap<QString, QString>{{"a", "1"}}));
+    }
+
     void everyOperationIsOneStepWithItsText()
     {
         Model model;
@@ -487,7 +552,7 @@ private Q_SLOTS:
                                             "Move item",
                                             "Rename item",
                                             "Describe item",
-                                            "Describe item",
+                                            "Change attribute of item",
                                             "Change colour of item",
                                             "Lock 3 items",
                                             "Unlock item",

@@ -1,3 +1,5 @@
+#include "support/input.h"
+
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_header_view.h>
 #include <VeskTimeline/timeline_view.h>
@@ -18,7 +20,6 @@
 #include <QToolButton>
 #include <QUndoStack>
 
-#include "support/input.h"
 #include <workbench/duration_text.h>
 #include <workbench/edit_field.h>
 #include <workbench/inspector.h>
@@ -276,13 +277,16 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("field");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("error");
-        QTest::newRow("no time") << QByteArray("start") << "noon" << "“noon” is no time";
+        QTest::newRow("no time") << QByteArray("start") << "noon"
+                                 << "“noon” is no time";
         QTest::newRow("end before start") << QByteArray("end") << "2020-09-13T12:26:39Z"
                                           << "The end is before the start.";
-        QTest::newRow("no duration") << QByteArray("duration") << "90" << "“90” is no duration";
+        QTest::newRow("no duration") << QByteArray("duration") << "90"
+                                     << "“90” is no duration";
         QTest::newRow("too late") << QByteArray("start") << "9999-12-31T23:59:59Z"
                                   << "Items must lie in the years 1 to 9999.";
-        QTest::newRow("too long") << QByteArray("duration") << "3600000d" << "Items must lie in the years 1 to 9999.";
+        QTest::newRow("too long") << QByteArray("duration") << "3600000d"
+                                  << "Items must lie in the years 1 to 9999.";
     }
     void aRefusalIsSaidAtTheField()
     {
