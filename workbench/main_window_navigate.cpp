@@ -3,6 +3,7 @@
 #include "main_window.h"
 #include "navigation.h"
 #include "overview_strip.h"
+#include "view_settings.h"
 #include "window_scroll_bar.h"
 
 #include <VeskTimeline/timeline_widget.h>
@@ -20,6 +21,8 @@ void MainWindow::createNavigation()
     WindowScrollBar::replaceSlider(m_navigation);
     m_overviewStrip = new OverviewStrip(m_navigation, this);
     m_findBar = new FindBar(m_navigation, this);
+
+    connect(m_viewSettings, &ViewSettings::changed, m_overviewStrip, &OverviewStrip::refresh);
 
     auto* const center = new QWidget(this);
     auto* const layout = new QVBoxLayout(center);
