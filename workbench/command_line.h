@@ -1,7 +1,7 @@
 #pragma once
 
-#include "theme.h"
 #include "picture_arguments.h"
+#include "theme.h"
 
 #include <VeskTimelineKit/read_options.h>
 
@@ -35,7 +35,7 @@ struct CommandLine
     const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each as what it is
     VeskTimeline::Kit::ReadOptions readOptions;
     std::optional<Theme::Scheme> theme; ///< nothing: as the user left it
-    PictureArguments picture; ///< of Convert, when the output is a picture
+    PictureArguments picture;           ///< of Convert, when the output is a picture
     QString error;
 
     /// Whether the action needs widgets, and with them a windowing system.
