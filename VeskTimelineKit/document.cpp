@@ -1,3 +1,4 @@
+#include "background_disposal_p.h"
 #include "kit_tr_p.h"
 
 #include <VeskTimelineKit/document.h>
@@ -76,6 +77,27 @@ void Document::merge(const Document& other)
             target.color = source.color;
     }
     m_warnings.append(other.m_warnings);
+}
+
+void Document::addBelow(const QString& name, Document&& other)
+{
+    track({name});
+    for (DocumentTrack& source : other.m_tracks) {
+        DocumentTrack& target = track(QStringList(name) + source.path);
+        target.items = std::move(source.items);
+        target.color = source.color;
+    }
+    m_warnings.append(other.m_warnings);
+}
+
+std::shared_ptr<const Document> shareDocument(Document&& document)
+{
+    const auto dispose = [](const Document* shared) {
+        std::unique_ptr<const Document> owned(shared);
+        if (static_cast<std::size_t>(owned->itemCount()) >= manyItems)
+            disposeInBackground(std::move(owned));
+    };
+    return {new Document(std::move(document)), dispose};
 }
 
 } // namespace VeskTimeline::Kit

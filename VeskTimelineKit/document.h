@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <limits>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -74,11 +75,17 @@ public:
     /// Adds the tracks, items and warnings of another document; tracks of the same path become one, which keeps its
     /// colour if it has one.
     void merge(const Document& other);
+    /// Puts the tracks of another document below a top-level track of that name, which is made, and adds its warnings.
+    /// @param name of a track that is not there yet
+    void addBelow(const QString& name, Document&& other);
 
 private:
     std::vector<DocumentTrack> m_tracks;
     QHash<QStringList, int> m_positions;
     QStringList m_warnings;
 };
+
+/// A document that several can hold, and whose destruction, when the last lets go, holds none of them up.
+VESKTIMELINEKIT_EXPORT std::shared_ptr<const Document> shareDocument(Document&& document);
 
 } // namespace VeskTimeline::Kit

@@ -66,6 +66,7 @@ public:
     static QColor readableTextColor(const QColor& background);
 
 private:
+    friend class ItemMaker;
     friend class StandardTimelineModel;
 
     void setIds(int id, int parentTrackId);

@@ -1,3 +1,4 @@
+#include "model_tree_p.h"
 #include "standard_timeline_model_p.h"
 
 #include <VeskTimelineKit/labelled_item.h>
@@ -35,6 +36,7 @@ void StandardTimelineModel::clear()
 {
     d->gesture.finish();
     d->stack.clear();
+    d->spans.clear();
     TimelineModel::clear();
 }
 
@@ -47,6 +49,33 @@ int StandardTimelineModel::trackCount() const
 {
     // The cache holds the root, too.
     return static_cast<int>(m_trackCache.size()) - 1;
+}
+
+int StandardTimelineModel::itemCount() const
+{
+    return static_cast<int>(m_itemCache.size());
+}
+
+bool StandardTimelineModel::hasItem(int itemId) const
+{
+    return m_itemCache.find(itemId) != m_itemCache.end();
+}
+
+std::optional<TimeSpan> StandardTimelineModel::span() const
+{
+    std::optional<TimeSpan> span;
+    for (const auto& [id, track] : m_trackCache) {
+        if (!track->hasItems())
+            continue;
+        auto known = d->spans.find(id);
+        if (known == d->spans.end())
+            known = d->spans.insert(id, spanOf(track->items()));
+        if (!span)
+            span = *known;
+        span->start = std::min(span->start, known->start);
+        span->end = std::max(span->end, known->end);
+    }
+    return span;
 }
 
 const LabelledItem* StandardTimelineModel::labelledItem(int itemId) const

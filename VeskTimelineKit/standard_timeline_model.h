@@ -2,7 +2,10 @@
 
 #include <VeskTimeline/timeline_model.h>
 #include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/prepared_document.h>
 #include <VeskTimelineKit/vesktimelinekit_export.h>
+
+#include <optional>
 
 class QUndoStack;
 
@@ -65,6 +68,8 @@ public:
     /// they are, whether snapping is on or not. Every track gets both buttons. The clipboard, which is for the tracks
     /// that were, is emptied, and so is the undo stack.
     void setDocument(const Document& document);
+    /// The same in a moment, however many items there are. What was there is destroyed on another thread.
+    void setDocument(PreparedDocument&& document);
     /// Adds a document's tracks and items, in one step; a track whose path is there already is used. Times are taken as
     /// they are.
     void addDocument(const Document& document);
@@ -76,6 +81,12 @@ public:
 
     /// All tracks of the tree, without the root.
     int trackCount() const;
+    /// All items of the tree; each piece of a long one counts.
+    int itemCount() const;
+    bool hasItem(int itemId) const;
+    /// Of all items; nothing when there is none. Costs no more than a look at each track, and at the items of those
+    /// that have changed since it was asked for.
+    std::optional<TimeSpan> span() const;
 
     /// Adds a track below all children of the parent. @return its id
     int addTrack(const QString& name, int parentTrackId = 0);
@@ -188,7 +199,6 @@ Q_SIGNALS:
 private:
     friend class ModelContents;
 
-    std::unique_ptr<LabelledItem> makeItem(const Track& track, const DocumentItem& source);
     Items makeItems(const Track& track, const std::vector<DocumentItem>& sources, QVector<int>* ids);
     void putNewItems(int trackId, Items&& items);
     int addNewTrack(int parentTrackId, int row, const QString& name, const QColor& color);

@@ -1,67 +1,45 @@
-#include "document_bars_p.h"
+#include "background_disposal_p.h"
 #include "document_of_tracks_p.h"
+#include "item_maker_p.h"
+#include "model_tree_p.h"
 #include "standard_timeline_model_p.h"
 
 #include <algorithm>
 
 namespace VeskTimeline::Kit {
 
-std::unique_ptr<LabelledItem> StandardTimelineModel::makeItem(const Track& track, const DocumentItem& source)
-{
-    const QColor color = source.color.isValid() ? source.color : ModelContents::colorOf(track);
-    const auto duration = static_cast<int>(std::max<qint64>(source.duration, DocumentItem::openEnded));
-    auto item = std::make_unique<LabelledItem>(source.label, source.start, duration, color, source.isEditable);
-    item->setHasOwnColor(source.color.isValid());
-    item->setDescription(source.description);
-    item->setAttributes(source.attributes);
-    return item;
-}
-
-// Sorted by start time, with ids in that order; `ids`, if not null, gets them in the order of the sources.
 Items StandardTimelineModel::makeItems(const Track& track, const std::vector<DocumentItem>& sources, QVector<int>* ids)
 {
-    const std::vector<DocumentBar> bars = barsOf(sources, d->nextWhole);
-    Items items;
-    items.reserve(bars.size());
-    if (ids)
-        ids->resize(static_cast<qsizetype>(bars.size()));
-    for (const DocumentBar& bar : bars) {
-        auto item = makeItem(track, sources[bar.item]);
-        item->_setStartTime(bar.start);
-        item->_setDuration(bar.duration);
-        item->setPiece(bar.piece);
-        const int id = nextFreeItemId();
-        item->setIds(id, track.id());
-        if (ids)
-            (*ids)[static_cast<qsizetype>(bar.position)] = id;
-        items.push_back(std::move(item));
-    }
-    return items;
+    return ItemMaker(m_currentItemId, d->nextWhole).make(track, sources, ids);
 }
 
 void StandardTimelineModel::setDocument(const Document& document)
 {
+    setDocument(PreparedDocument(document));
+}
+
+void StandardTimelineModel::setDocument(PreparedDocument&& document)
+{
+    Q_ASSERT(document.m_tree);
     d->gesture.finish();
     d->stack.clear();
+    const std::unique_ptr<ModelTree> tree = std::move(document.m_tree);
     beginResetModel();
-    TimelineModel::clear();
     m_clipboard.clear();
-    d->nextWhole = 0;
-    QHash<QStringList, Track*> tracks;
-    for (const DocumentTrack& source : document.tracks()) {
-        const QStringList parentPath = source.path.first(source.path.size() - 1);
-        Track* const parentTrack = parentPath.isEmpty() ? rootTrack() : tracks.value(parentPath);
-        auto added = std::make_unique<StandardTrack>(TrackDetails{source.path.last(), source.color}, nextFreeTrackId(),
-                                                     parentTrack->id());
-        Track* const track = added.get();
-        parentTrack->tracks().push_back(std::move(added));
-        m_trackCache[track->id()] = track;
-        tracks.insert(source.path, track);
-        track->items() = makeItems(*track, source.items, nullptr);
-        for (const ItemPtr& item : track->items())
-            m_itemCache[item->id()] = item.get();
-    }
+    std::swap(m_rootTrack.tracks(), tree->tracks);
+    std::swap(m_itemCache, tree->itemCache);
+    std::swap(m_trackCache, tree->trackCache);
+    std::swap(d->spans, tree->spans);
+    m_trackCache[m_rootTrack.id()] = &m_rootTrack;
+    m_currentTrackId = tree->nextTrackId;
+    m_currentItemId = tree->nextItemId;
+    d->nextWhole = tree->nextWhole;
+    // The root is the library's to fill; documents leave it empty.
+    m_rootTrack.clearItems();
+    m_rootTrack.clearCopyItemIds();
     endResetModel();
+    if (tree->itemCache.size() >= manyItems)
+        disposeInBackground(std::move(*tree));
 }
 
 int StandardTimelineModel::childNamed(int parentTrackId, const QString& name, const QColor& color)

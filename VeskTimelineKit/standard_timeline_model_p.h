@@ -40,6 +40,8 @@ struct StandardTimelineModelPrivate
     std::unique_ptr<UndoStep> step;
     StandardTimelineModel::OverlapPolicy overlapPolicy = StandardTimelineModel::AllowOverlaps;
     int nextWhole = 0;
+    /// By track id, of tracks that have items; only those that are known.
+    QHash<int, TimeSpan> spans;
     bool isUnrecorded = false;
 };
 

@@ -1,3 +1,4 @@
+#include "background_disposal_p.h"
 #include "undo_changes_p.h"
 
 namespace VeskTimeline::Kit {
@@ -9,6 +10,13 @@ void ItemChange::swap(ModelContents& contents)
     ItemState here = contents.itemState(m_itemId);
     contents.setItemState(m_itemId, m_other);
     m_other = std::move(here);
+}
+
+// Forgetting a step must not hold the window up that may have deleted a million items.
+ItemsChange::~ItemsChange()
+{
+    if (m_items.size() >= manyItems)
+        disposeInBackground(std::move(m_items));
 }
 
 void ItemsChange::swap(ModelContents& contents)
@@ -24,6 +32,12 @@ void ItemsMove::swap(ModelContents& contents)
     contents.moveItems(m_trackId, m_positions, m_otherTrackId, m_otherPositions);
     std::swap(m_trackId, m_otherTrackId);
     std::swap(m_positions, m_otherPositions);
+}
+
+TrackChange::~TrackChange()
+{
+    if (m_track && (m_track->hasTracks() || m_track->items().size() >= manyItems))
+        disposeInBackground(std::move(m_track));
 }
 
 void TrackChange::swap(ModelContents& contents)

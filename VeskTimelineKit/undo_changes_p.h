@@ -46,6 +46,7 @@ public:
         : m_trackId(trackId), m_positions(std::move(positions)), m_items(std::move(items))
     {
     }
+    ~ItemsChange() override;
 
     void swap(ModelContents& contents) override;
 
@@ -83,6 +84,7 @@ class TrackChange : public Change
 public:
     /// @param track null for one that is in the model
     explicit TrackChange(const TrackPlace& place, TrackPtr track = {}) : m_place(place), m_track(std::move(track)) {}
+    ~TrackChange() override;
 
     void swap(ModelContents& contents) override;
 

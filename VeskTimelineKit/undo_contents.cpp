@@ -1,6 +1,5 @@
+#include "standard_timeline_model_p.h"
 #include "undo_contents_p.h"
-
-#include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <algorithm>
 
@@ -321,6 +320,7 @@ void ModelContents::noteChanged(const Item& item, int formerTrackId)
 void ModelContents::touch(const Track& track)
 {
     m_touchedTracks.insert(track.id());
+    m_model.d->spans.remove(track.id());
     for (const Track* above = &track; above->parentId() >= 0;) {
         above = m_model.track(above->parentId());
         if (above->hasCopyItems())

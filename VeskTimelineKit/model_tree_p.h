@@ -1,0 +1,34 @@
+#pragma once
+
+// Internal to the kit; not installed.
+
+#include <VeskTimeline/track.h>
+#include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/read_options.h>
+
+#include <QHash>
+
+#include <map>
+
+namespace VeskTimeline::Kit {
+
+/// What a model holds below its root, with the look-ups that go with it.
+struct ModelTree
+{
+    Tracks tracks;
+    std::map<int, Track*> trackCache; ///< without the root
+    std::map<int, Item*> itemCache;
+    QHash<int, TimeSpan> spans; ///< by track id, of the tracks that have items
+    int nextTrackId = 1;
+    int nextItemId = 0;
+    int nextWhole = 0;
+};
+
+/// @param options their progress is told
+/// @throws ReadCancelled
+std::unique_ptr<ModelTree> makeTree(const Document& document, const ReadOptions& options);
+
+/// The span of a track's own items, which there must be.
+TimeSpan spanOf(const Items& items);
+
+} // namespace VeskTimeline::Kit

@@ -1,0 +1,70 @@
+#include "kit_tr_p.h"
+
+#include <VeskTimelineKit/document_format.h>
+#include <VeskTimelineKit/read_documents.h>
+
+#include <QFileInfo>
+#include <QSet>
+
+#include <new>
+
+namespace VeskTimeline::Kit {
+
+namespace {
+
+QString freeName(const QString& name, QSet<QString>& taken)
+{
+    QString free = name;
+    for (int number = 2; taken.contains(free); ++number)
+        free = QStringLiteral("%1 (%2)").arg(name).arg(number);
+    taken.insert(free);
+    return free;
+}
+
+// A file that needs more memory than there is is refused like any other that cannot be read.
+Result<Document> readOne(const DocumentFormat& format, const QString& fileName, const ReadOptions& options)
+{
+    try {
+        return format.read(fileName, options);
+    } catch (const std::bad_alloc&) {
+        return FileError{fileName, 0, Tr::tr("there is not enough memory for it")};
+    }
+}
+
+} // namespace
+
+ReadDocuments readDocuments(const std::vector<FileToRead>& files, const FilesProgress& progress)
+{
+    ReadDocuments read;
+    QSet<QString> names;
+    bool isCancelled = false;
+    for (std::size_t i = 0; i < files.size() && !isCancelled; ++i) {
+        const FileToRead& file = files[i];
+        ReadOptions options = file.options;
+        options.progress = [&, i](double share) {
+            const double done = (static_cast<double>(i) + share) / static_cast<double>(files.size());
+            isCancelled = progress && !progress(done, file.fileName);
+            return !isCancelled;
+        };
+        const DocumentFormat& format = file.format ? *file.format : documentFormatOf(file.fileName);
+        Result<Document> result = readOne(format, file.fileName, options);
+        if (format.isStretched)
+            read.stretch = options.stretch;
+        if (!result) {
+            read.refusals.append(result.error());
+            continue;
+        }
+        Document& document = result.value();
+        for (const QString& warning : document.longItemWarnings())
+            document.addWarning(warning);
+        if (files.size() == 1)
+            read.document = std::move(document);
+        else
+            read.document.addBelow(freeName(QFileInfo(file.fileName).fileName(), names), std::move(document));
+    }
+    if (!read.refusals.isEmpty())
+        read.document = Document();
+    return read;
+}
+
+} // namespace VeskTimeline::Kit
