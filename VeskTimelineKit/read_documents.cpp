@@ -57,10 +57,13 @@ ReadDocuments readDocuments(const std::vector<FileToRead>& files, const FilesPro
         Document& document = result.value();
         for (const QString& warning : document.longItemWarnings())
             document.addWarning(warning);
-        if (files.size() == 1)
+        const bool isWhole = files.size() == 1 && file.trackName.isEmpty();
+        if (isWhole) {
             read.document = std::move(document);
-        else
-            read.document.addBelow(freeName(QFileInfo(file.fileName).fileName(), names), std::move(document));
+            continue;
+        }
+        const QString name = file.trackName.isEmpty() ? QFileInfo(file.fileName).fileName() : file.trackName;
+        read.document.addBelow(freeName(name, names), std::move(document));
     }
     if (!read.refusals.isEmpty())
         read.document = Document();

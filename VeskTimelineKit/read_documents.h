@@ -18,7 +18,9 @@ struct FileToRead
 {
     QString fileName;
     const DocumentFormat* format = nullptr; ///< null: by its suffix and content
-    ReadOptions options;                    ///< without progress
+    ReadOptions options = {};               ///< without progress
+    /// Of the top-level track that it is put below; empty: the file's own, where there are several files.
+    QString trackName = {};
 };
 
 /// What reading some files comes to.

@@ -7,7 +7,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 enable_testing()
 
 set(VESKTIMELINE_TEST_ENVIRONMENT
-    "LC_ALL=C.UTF-8" "TZ=UTC" "QT_LOGGING_RULES=" "QT_SCALE_FACTOR=" "QT_STYLE_OVERRIDE=Fusion"
+    "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/tests/config" "LC_ALL=C.UTF-8" "TZ=UTC" "QT_LOGGING_RULES=" "QT_SCALE_FACTOR=" "QT_STYLE_OVERRIDE=Fusion"
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
     "ASAN_OPTIONS=detect_stack_use_after_return=1:new_delete_type_mismatch=1"
     "UBSAN_OPTIONS=print_stacktrace=1"

@@ -62,8 +62,10 @@ struct Options
         parser.addOptions(csv.options());
         picture.addTo(parser);
         parser.addOptions({help, version});
-        parser.addPositionalArgument(QStringLiteral("FILE"), Tr::tr("Timelines to load; tracks of the same name join."),
-                                     QStringLiteral("[FILE...]"));
+        parser.addPositionalArgument(
+            QStringLiteral("FILE"),
+            Tr::tr("Timelines to load; of several, each gets a track of its own at the top level."),
+            QStringLiteral("[FILE...]"));
     }
 
     static QStringList formatNames()

@@ -118,7 +118,7 @@ int runWithoutWindow(const CommandLine& commandLine, const Document& document)
     return FileRefused;
 }
 
-int runWithWindow(const CommandLine& commandLine, const LoadedFiles& loaded)
+int runWithWindow(const CommandLine& commandLine, const ReadDocuments& loaded)
 {
     QApplication::setOrganizationName(QStringLiteral("VeskTimeline"));
     QApplication::setApplicationName(QStringLiteral("vesk-timeline-workbench"));
@@ -129,11 +129,8 @@ int runWithWindow(const CommandLine& commandLine, const LoadedFiles& loaded)
     else
         window.theme()->setScheme(commandLine.theme.value_or(Theme::System));
     if (!commandLine.files.isEmpty())
-        window.showDocument(loaded.document, commandLine.files);
-    if (loaded.stretch != 1.0)
-        window.setWindowTitle(QCoreApplication::translate("Commands", "%1 (times stretched by %2)")
-                                  .arg(window.windowTitle())
-                                  .arg(loaded.stretch));
+        window.showDocument(loaded.document, commandLine.files, commandLine.from, commandLine.readOptions,
+                            loaded.stretch);
     if (commandLine.action == CommandLine::Action::SaveScreenshot)
         return saveScreenshot(window, commandLine.output);
     window.show();
@@ -145,7 +142,7 @@ int runWithWindow(const CommandLine& commandLine, const LoadedFiles& loaded)
 int run(const CommandLine& commandLine, char* programName)
 {
     // Before any window is thought of: a refusal needs no display.
-    const LoadedFiles loaded = loadFiles(commandLine.files, commandLine.from, commandLine.readOptions);
+    const ReadDocuments loaded = loadFiles(commandLine.files, commandLine.from, commandLine.readOptions);
     report(loaded.refusals);
     if (!loaded.refusals.isEmpty())
         return FileRefused;

@@ -1,5 +1,6 @@
 #include "main_window.h"
 
+#include "file_session.h"
 #include "icons.h"
 #include "item_hover_text.h"
 #include "load_files.h"
@@ -14,7 +15,6 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QApplication>
-#include <QFileInfo>
 
 #include <algorithm>
 
@@ -26,16 +26,6 @@ using namespace VeskTimeline::Kit;
 namespace {
 
 constexpr QSize startSize(1200, 640);
-
-QString titleOf(const QStringList& fileNames)
-{
-    if (fileNames.isEmpty())
-        return MainWindow::tr("VeskTimeline Workbench");
-    const QString first = QFileInfo(fileNames.first()).fileName();
-    if (fileNames.size() == 1)
-        return MainWindow::tr("%1 – VeskTimeline Workbench").arg(first);
-    return MainWindow::tr("%1 and %2 more – VeskTimeline Workbench").arg(first).arg(fileNames.size() - 1);
-}
 
 // Of the texts in the track column, with their indentation.
 int widestName(const QTreeView& view, const Track& parent, int level)
@@ -71,6 +61,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent)
     createTimeline();
     createNavigation();
     createStatusBar();
+    createFileSession();
     createFileMenu();
     createEditMenu();
     createNavigateMenu();
@@ -107,6 +98,8 @@ void MainWindow::createTimeline()
     m_theme = new Theme(this);
     m_timeline->setZoomInIcon(icon(QStringLiteral("pnx_zoom_in")));
     m_timeline->setZoomOutIcon(icon(QStringLiteral("pnx_zoom_out")));
+    // The ids of one document mean something else, or nothing, in the next.
+    connect(m_model.get(), &QAbstractItemModel::modelAboutToBeReset, view(), &TimelineView::clearSelectedItems);
     connect(m_model.get(), &QAbstractItemModel::rowsInserted, this, &MainWindow::updateStatus);
     connect(m_model.get(), &QAbstractItemModel::rowsRemoved, this, &MainWindow::forgetRemovedItems);
     connect(m_model.get(), &StandardTimelineModel::itemsAdded, this, &MainWindow::updateStatus);
@@ -116,22 +109,24 @@ void MainWindow::createTimeline()
 
 QList<FileError> MainWindow::openFiles(const QStringList& fileNames, const DocumentFormat* format)
 {
-    const LoadedFiles loaded = loadFiles(fileNames, format);
+    const ReadDocuments loaded = loadFiles(fileNames, format);
     if (loaded.refusals.isEmpty())
-        showDocument(loaded.document, fileNames);
+        showDocument(loaded.document, fileNames, format, {}, loaded.stretch);
     return loaded.refusals;
 }
 
-void MainWindow::showDocument(const Document& document, const QStringList& fileNames)
+void MainWindow::showDocument(const Document& document, const QStringList& fileNames, const DocumentFormat* format,
+                              const ReadOptions& options, double stretch)
 {
-    // The ids of one document mean something else, or nothing, in the next.
-    view()->clearSelectedItems();
-    m_model->setDocument(document);
+    m_session->show(document, fileNames, format, options, stretch);
+}
+
+void MainWindow::showLoaded(const Document& document)
+{
     view()->expandAll();
     fitNameColumn();
 
     m_warnings = document.warnings();
-    setWindowTitle(titleOf(fileNames));
     m_navigation->fit();
     updateStatus();
     m_timeline->header()->setIndicatorTime(view()->currentTime() + view()->zoomFactor() / 2);
@@ -150,10 +145,9 @@ void MainWindow::fitNameColumn()
 
 void MainWindow::forgetRemovedItems()
 {
-    const QVector<int> known = m_model->itemIds();
     QList<int> kept;
     for (const int id : view()->selectedItemIds()) {
-        if (std::binary_search(known.begin(), known.end(), id))
+        if (m_model->hasItem(id))
             kept.append(id);
     }
     if (kept != view()->selectedItemIds())

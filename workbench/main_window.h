@@ -4,6 +4,7 @@
 
 #include <VeskTimeline/timeline_utils.h>
 #include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/read_options.h>
 #include <VeskTimelineKit/result.h>
 
 #include <QList>
@@ -32,6 +33,9 @@ class ItemCommands;
 class Navigation;
 class OverviewStrip;
 class ViewSettings;
+class FileSession;
+class RecentFiles;
+class TaskProgress;
 
 /// The workbench's window: a timeline with everything switched on, a tool bar, and a status bar that says what is
 /// loaded.
@@ -52,10 +56,15 @@ public:
                                                   const VeskTimeline::Kit::DocumentFormat* format = nullptr);
 
     /// Shows what was loaded from the files instead of what was there, from the start of its range at the widest zoom.
-    void showDocument(const VeskTimeline::Kit::Document& document, const QStringList& fileNames);
+    /// Asks nothing. For the other parameters see FileSession::show().
+    void showDocument(const VeskTimeline::Kit::Document& document, const QStringList& fileNames,
+                      const VeskTimeline::Kit::DocumentFormat* format = nullptr,
+                      const VeskTimeline::Kit::ReadOptions& options = {}, double stretch = 1.0);
 
     VeskTimeline::TimelineWidget* timeline() const { return m_timeline; }
     VeskTimeline::Kit::StandardTimelineModel* model() const { return m_model.get(); }
+    /// Whatever reads or writes files for the window does so through this.
+    FileSession* fileSession() const { return m_session; }
 
     ViewSettings* viewSettings() const { return m_viewSettings; }
     Theme* theme() const { return m_theme; }
@@ -64,6 +73,11 @@ public:
     void keepViewSettings(std::optional<Theme::Scheme> look = std::nullopt);
     /// Whatever moves the window of the timeline does so through this.
     Navigation* navigation() const { return m_navigation; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     VeskTimeline::TimelineView* view() const;
@@ -84,7 +98,12 @@ private:
     /// @param name of the action as an object and of its icon, if there is one
     QAction* addMenuAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& shortcut = {});
 
-    void askForFiles();
+    void createFileSession();
+    void createTaskProgress();
+    void addSaveActions(QMenu* menu);
+    void updateFileActions();
+    void showLoaded(const VeskTimeline::Kit::Document& document);
+    void showAdded(const VeskTimeline::Kit::Document& added);
     void fitNameColumn();
     void forgetRemovedItems();
 
@@ -102,6 +121,10 @@ private:
     Navigation* m_navigation = nullptr;
     OverviewStrip* m_overviewStrip = nullptr;
     FindBar* m_findBar = nullptr;
+    FileSession* m_session = nullptr;
+    RecentFiles* m_recentFiles = nullptr;
+    TaskProgress* m_taskProgress = nullptr;
+    bool m_mayClose = false;
     QStringList m_warnings;
     ItemCommands* m_itemCommands = nullptr;
     QAction* m_previousPart = nullptr;

@@ -1,0 +1,162 @@
+#include "file_dialogs.h"
+
+#include <VeskTimelineKit/document_format.h>
+
+#include <QCoreApplication>
+#include <QFileDialog>
+#include <QLabel>
+
+namespace Workbench {
+
+using namespace VeskTimeline::Kit;
+
+namespace {
+
+struct Tr
+{
+    Q_DECLARE_TR_FUNCTIONS(FileDialogs)
+};
+
+QString filterOf(const DocumentFormat& format)
+{
+    QStringList patterns;
+    for (const QString& suffix : format.suffixes)
+        patterns.append(QStringLiteral("*.") + suffix);
+    return QStringLiteral("%1 (%2)").arg(format.description, patterns.join(u' '));
+}
+
+QStringList filtersToRead()
+{
+    QStringList patterns;
+    QStringList filters;
+    for (const DocumentFormat& format : documentFormats()) {
+        filters.append(filterOf(format));
+        for (const QString& suffix : format.suffixes)
+            patterns.append(QStringLiteral("*.") + suffix);
+    }
+    patterns.removeDuplicates();
+    filters.prepend(Tr::tr("All timelines (%1)").arg(patterns.join(u' ')));
+    filters.append(Tr::tr("All files (*)"));
+    return filters;
+}
+
+QFileDialog* makeDialog(QWidget* window, const char* name, const QString& title, QFileDialog::AcceptMode mode)
+{
+    auto* const dialog = new QFileDialog(window, title);
+    dialog->setObjectName(QString::fromLatin1(name));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(mode);
+    // It would ask before the name has got its suffix, and hold everything up.
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    return dialog;
+}
+
+const DocumentFormat* formatOfFilter(const QString& filter)
+{
+    for (const DocumentFormat& format : documentFormats()) {
+        if (filterOf(format) == filter)
+            return &format;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QMessageBox* openMessage(QWidget* window, const FileQuestion& question, QMessageBox::StandardButtons buttons,
+                         QMessageBox::StandardButton defaultButton)
+{
+    auto* const box = new QMessageBox(question.icon, Tr::tr("VeskTimeline Workbench"), question.text, buttons, window);
+    box->setObjectName(QString::fromLatin1(question.name));
+    box->setTextFormat(Qt::PlainText);
+    box->setInformativeText(question.details);
+    // Its own setting holds for the text alone.
+    for (QLabel* const label : box->findChildren<QLabel*>())
+        label->setTextFormat(Qt::PlainText);
+    box->setDefaultButton(defaultButton);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+    return box;
+}
+
+QMessageBox* ask(QWidget* window, const FileQuestion& question, QMessageBox::StandardButtons buttons,
+                 QMessageBox::StandardButton defaultButton,
+                 const std::function<void(QMessageBox::StandardButton)>& then)
+{
+    QMessageBox* const box = openMessage(window, question, buttons, defaultButton);
+    QObject::connect(box, &QMessageBox::finished, window, [box, then] {
+        const QMessageBox::StandardButton button = box->standardButton(box->clickedButton());
+        then(button == QMessageBox::NoButton ? QMessageBox::Cancel : button);
+    });
+    return box;
+}
+
+void reportRefusals(QWidget* window, const QList<FileError>& refusals)
+{
+    constexpr qsizetype mostShown = 20;
+    QStringList reasons;
+    for (const FileError& refusal : refusals.mid(0, mostShown))
+        reasons.append(refusal.text());
+    if (refusals.size() > mostShown)
+        reasons.append(Tr::tr("and %1 more").arg(refusals.size() - mostShown));
+    openMessage(window, {"notOpened", Tr::tr("Nothing was opened."), reasons.join(u'\n'), QMessageBox::Warning},
+                QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void chooseFilesToRead(QWidget* window, const char* name, const QString& title, const QString& folder,
+                       const std::function<void(const QStringList&)>& then)
+{
+    QFileDialog* const dialog = makeDialog(window, name, title, QFileDialog::AcceptOpen);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    dialog->setNameFilters(filtersToRead());
+    dialog->setDirectory(folder);
+    QObject::connect(dialog, &QFileDialog::filesSelected, window, then);
+    dialog->open();
+}
+
+void chooseFileToSave(QWidget* window, const QString& suggestion, const std::function<void(const QString&)>& then,
+                      const std::function<void()>& otherwise)
+{
+    QFileDialog* const dialog = makeDialog(window, "saveDialog", Tr::tr("Save timeline"), QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setNameFilters({filterOf(nativeFormat())});
+    dialog->setDirectory(QFileInfo(suggestion).path());
+    dialog->selectFile(QFileInfo(suggestion).fileName());
+    QObject::connect(dialog, &QFileDialog::fileSelected, window, then);
+    QObject::connect(dialog, &QFileDialog::rejected, window, otherwise);
+    dialog->open();
+}
+
+void chooseFileToExport(QWidget* window, const QString& suggestion,
+                        const std::function<void(const QString&, const DocumentFormat&)>& then)
+{
+    QFileDialog* const dialog = makeDialog(window, "exportDialog", Tr::tr("Export timeline"), QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    QStringList filters;
+    for (const DocumentFormat& format : documentFormats()) {
+        if (format.write && &format != &nativeFormat())
+            filters.append(filterOf(format));
+    }
+    dialog->setNameFilters(filters);
+    dialog->setDirectory(QFileInfo(suggestion).path());
+    dialog->selectFile(QFileInfo(suggestion).fileName());
+    QObject::connect(dialog, &QFileDialog::fileSelected, window, [dialog, then](const QString& fileName) {
+        const DocumentFormat* const bySuffix = documentFormatBySuffix(fileName);
+        if (bySuffix && bySuffix->write)
+            then(fileName, *bySuffix);
+        else if (const DocumentFormat* const chosen = formatOfFilter(dialog->selectedNameFilter()))
+            then(fileName + u'.' + chosen->suffixes.first(), *chosen);
+    });
+    dialog->open();
+}
+
+const DocumentFormat& nativeFormat()
+{
+    return *documentFormatByName(QStringLiteral("vtl"));
+}
+
+QString withNativeSuffix(const QString& fileName)
+{
+    return documentFormatBySuffix(fileName) == &nativeFormat() ? fileName : fileName + QStringLiteral(".vtl.json");
+}
+
+} // namespace Workbench

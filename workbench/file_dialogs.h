@@ -1,0 +1,58 @@
+#pragma once
+
+#include <VeskTimelineKit/result.h>
+
+#include <QList>
+#include <QMessageBox>
+#include <QString>
+
+#include <functional>
+
+class QFileDialog;
+
+namespace VeskTimeline::Kit {
+struct DocumentFormat;
+}
+
+namespace Workbench {
+
+/// What is said or asked in a dialog about files.
+struct FileQuestion
+{
+    const char* name; ///< of the dialog as an object
+    QString text;
+    QString details; ///< below the text; may be empty
+    QMessageBox::Icon icon = QMessageBox::Question;
+};
+
+/// Opens a message box over the window, and goes on. It destroys itself when it is closed. Texts are plain.
+QMessageBox* openMessage(QWidget* window, const FileQuestion& question, QMessageBox::StandardButtons buttons,
+                         QMessageBox::StandardButton defaultButton);
+
+/// Opens a message box and calls `then` with the button that it is closed with; for Escape that is Cancel.
+QMessageBox* ask(QWidget* window, const FileQuestion& question, QMessageBox::StandardButtons buttons,
+                 QMessageBox::StandardButton defaultButton,
+                 const std::function<void(QMessageBox::StandardButton)>& then);
+
+/// Says once for each file why it was refused, in one dialog "notOpened".
+void reportRefusals(QWidget* window, const QList<VeskTimeline::Kit::FileError>& refusals);
+
+/// Opens a dialog "openDialog" or, to add, "addDialog" for files to be read.
+void chooseFilesToRead(QWidget* window, const char* name, const QString& title, const QString& folder,
+                       const std::function<void(const QStringList&)>& then);
+
+/// Opens the dialog "saveDialog" for the native file to write.
+/// @param suggestion the file name, with its folder. @param otherwise called when it is closed without a choice
+void chooseFileToSave(QWidget* window, const QString& suggestion, const std::function<void(const QString&)>& then,
+                      const std::function<void()>& otherwise);
+
+/// Opens the dialog "exportDialog" for a file of any other format to write: of the suffix or else of the filter chosen.
+void chooseFileToExport(QWidget* window, const QString& suggestion,
+                        const std::function<void(const QString&, const VeskTimeline::Kit::DocumentFormat&)>& then);
+
+/// The format that Save writes.
+const VeskTimeline::Kit::DocumentFormat& nativeFormat();
+/// The name with the native suffix, if it has none that is native.
+QString withNativeSuffix(const QString& fileName);
+
+} // namespace Workbench

@@ -1,0 +1,173 @@
+#include "file_session.h"
+
+#include <VeskTimelineKit/document_format.h>
+#include <VeskTimelineKit/standard_timeline_model.h>
+
+#include <QFileInfo>
+#include <QPushButton>
+#include <QUndoStack>
+#include <QWidget>
+
+namespace Workbench {
+
+using namespace VeskTimeline::Kit;
+
+FileSession::FileSession(StandardTimelineModel* model, QWidget* window)
+    : QObject(window), m_model(model), m_window(window), m_snapshot(model)
+{
+    const QUndoStack* const stack = model->undoStack();
+    connect(stack, &QUndoStack::cleanChanged, this, &FileSession::stateChanged);
+    connect(stack, &QUndoStack::indexChanged, this, [this] { ++m_edits; });
+    connect(&m_watch, &FileWatch::changed, this, &FileSession::noticeChange);
+    createLoader();
+    createSaver();
+}
+
+FileSession::~FileSession() = default;
+
+QStringList FileSession::fileNames() const
+{
+    QStringList names;
+    for (const FileToRead& file : m_files)
+        names.append(file.fileName);
+    return names;
+}
+
+QString FileSession::nativeFileName() const
+{
+    const bool isNative = m_files.size() == 1 && m_files.front().format == &nativeFormat();
+    return isNative ? m_files.front().fileName : QString();
+}
+
+bool FileSession::isModified() const
+{
+    if (m_isMarkedClean && (!m_wasClean || m_wasUnsaved))
+        return true;
+    return m_isUnsaved || !m_model->undoStack()->isClean();
+}
+
+QString FileSession::title() const
+{
+    const QString stretched = m_stretch != 1.0 ? tr(" (times stretched by %1)").arg(m_stretch) : QString();
+    if (m_files.empty())
+        return tr("[*]VeskTimeline Workbench");
+    // The place of the mark is doubled where a file name looks like one.
+    const QString first =
+        QFileInfo(m_files.front().fileName).fileName().replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    if (m_files.size() == 1)
+        return tr("%1[*] – VeskTimeline Workbench").arg(first) + stretched;
+    return tr("%1 and %2 more[*] – VeskTimeline Workbench").arg(first).arg(m_files.size() - 1) + stretched;
+}
+
+bool FileSession::isBusy() const
+{
+    return m_loader.isRunning() || isSaving();
+}
+
+void FileSession::setUnsaved()
+{
+    if (m_isUnsaved)
+        return;
+    m_isUnsaved = true;
+    Q_EMIT stateChanged();
+}
+
+void FileSession::cancel()
+{
+    m_loader.cancel();
+    m_snapshot.cancel();
+    m_saver.cancel();
+}
+
+void FileSession::startNew()
+{
+    whenDisposable([this] { show(Document(), {}); });
+}
+
+// One question at a time: another request brings the one that is open to the front.
+void FileSession::whenDisposable(const std::function<void()>& then)
+{
+    if (m_question) {
+        m_question->raise();
+        return;
+    }
+    if (isSaving()) {
+        m_afterSaving = [this, then] { whenDisposable(then); };
+        return;
+    }
+    m_loader.cancel();
+    m_editsWhenAsked = m_edits;
+    if (!isModified()) {
+        then();
+        return;
+    }
+    askToSave(then);
+}
+
+void FileSession::askToSave(const std::function<void()>& then)
+{
+    const FileQuestion question{"saveChanges", tr("Save the changes?"),
+                                tr("Without saving, what has been changed since the last time is lost.")};
+    m_question = ask(m_window, question, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                     QMessageBox::Save, [this, then](QMessageBox::StandardButton button) {
+                         m_question = nullptr;
+                         if (button == QMessageBox::Discard) {
+                             then();
+                         } else if (button == QMessageBox::Save) {
+                             m_afterSaving = then;
+                             save();
+                         }
+                     });
+}
+
+void FileSession::noticeChange(const QString& fileName, bool exists)
+{
+    // The document is no longer what the file says, whatever the user makes of it.
+    setUnsaved();
+    const QString name = QFileInfo(fileName).fileName();
+    if (!exists) {
+        openMessage(m_window,
+                    {"fileGone", tr("“%1” has been deleted or moved by another program.").arg(name),
+                     tr("The timeline is still here, and can be saved again."), QMessageBox::Warning},
+                    QMessageBox::Ok, QMessageBox::Ok);
+        return;
+    }
+    if (m_question)
+        return;
+    const bool hasChanges = !m_model->undoStack()->isClean();
+    const QString details = hasChanges ? tr("Reloading it loses what you have changed.") : QString();
+    m_question =
+        ask(m_window, {"fileChanged", tr("“%1” has been changed by another program. Reload it?").arg(name), details},
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No, [this, fileName](QMessageBox::StandardButton button) {
+                m_question = nullptr;
+                if (button == QMessageBox::Yes) {
+                    m_editsWhenAsked = m_edits;
+                    load(Purpose::Open, m_files);
+                } else {
+                    m_watch.accept(fileName);
+                }
+            });
+    m_question->button(QMessageBox::Yes)->setText(tr("&Reload"));
+    m_question->button(QMessageBox::No)->setText(tr("&Keep this one"));
+}
+
+QString FileSession::folder() const
+{
+    return m_files.empty() ? QString() : QFileInfo(m_files.front().fileName).absolutePath();
+}
+
+QString FileSession::suggestedName(const QString& suffix) const
+{
+    if (m_files.empty())
+        return tr("timeline") + suffix;
+    QString name = QFileInfo(m_files.front().fileName).absoluteFilePath();
+    for (const DocumentFormat& format : documentFormats()) {
+        for (const QString& other : format.suffixes) {
+            if (name.endsWith(u'.' + other, Qt::CaseInsensitive))
+                return name.chopped(other.size() + 1) + suffix;
+        }
+    }
+    return name + suffix;
+}
+
+} // namespace Workbench
