@@ -59,8 +59,8 @@ WriteResult writeFile(const QString& fileName, Write write)
         return FileError{fileName, 0, file.errorString()};
     try {
         const QStringList warnings = write(file);
-        // After a failed write there is nothing to commit.
-        if (file.commit())
+        // Committing reports failed writes, but not that what was still buffered could not be written.
+        if (file.flush() && file.commit())
             return warnings;
         return FileError{fileName, 0, file.errorString()};
     } catch (const QString& reason) {

@@ -90,11 +90,11 @@ private Q_SLOTS:
         QCOMPARE(result.status, 0);
     }
 
-    void tracksOfSeveralFilesJoin()
+    void severalFilesGetATrackEachAtTheTopLevel()
     {
         const QString a = write("a.csv", "track,label,start,end\nA/B,x,5,6\nC,x,5,6\n");
         const QString b = write("b.csv", "track,label,start,duration\nC,x,1,1\nA/B,x,9,1\nA/D,x,5,1\n");
-        QCOMPARE(run({"--info", a, b}).output, "{\"end\":10,\"items\":5,\"start\":1,\"tracks\":4,\"warnings\":[]}\n");
+        QCOMPARE(run({"--info", a, b}).output, "{\"end\":10,\"items\":5,\"start\":1,\"tracks\":9,\"warnings\":[]}\n");
     }
 
     void refusedFilesAreReportedOneLineEach()

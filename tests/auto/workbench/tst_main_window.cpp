@@ -98,7 +98,7 @@ private Q_SLOTS:
     void anEmptyWindowShowsToday()
     {
         MainWindow window;
-        QCOMPARE(window.windowTitle(), "VeskTimeline Workbench");
+        QCOMPARE(window.windowTitle(), "[*]VeskTimeline Workbench");
         QCOMPARE(window.model()->rowCount(), 0);
         QCOMPARE(window.timeline()->startTime() % day, 0);
         QCOMPARE(window.timeline()->duration(), int(day));
@@ -109,7 +109,7 @@ private Q_SLOTS:
     {
         MainWindow window;
         QCOMPARE(texts(window.openFiles({sample})), QStringList());
-        QCOMPARE(window.windowTitle(), "apollo17.csv – VeskTimeline Workbench");
+        QCOMPARE(window.windowTitle(), "apollo17.csv[*] – VeskTimeline Workbench");
         QCOMPARE(window.model()->rowCount(), 9);
         QCOMPARE(window.model()->itemIds().size(), 105);
         QCOMPARE(window.timeline()->startTime(), sampleStart);
@@ -160,7 +160,7 @@ private Q_SLOTS:
 
         QCOMPARE(texts(window.openFiles({bad, sample, missing})),
                  (QStringList{bad + ":3: the end is before the start", missing + ": No such file or directory"}));
-        QCOMPARE(window.windowTitle(), "apollo17.csv – VeskTimeline Workbench");
+        QCOMPARE(window.windowTitle(), "apollo17.csv[*] – VeskTimeline Workbench");
         QCOMPARE(window.model()->itemIds().size(), 105);
         QCOMPARE(window.timeline()->zoomFactor(), Zoom::TwoHours);
         QCOMPARE(window.timeline()->currentTime(), sampleStart + day);
@@ -174,7 +174,7 @@ private Q_SLOTS:
         window.timeline()->view()->selectItem(3, true);
         const QString other = write("other.csv", "track,label,start,end\nA/B,x,-7200500,-3600000\n");
         QCOMPARE(texts(window.openFiles({other})), QStringList());
-        QCOMPARE(window.windowTitle(), "other.csv – VeskTimeline Workbench");
+        QCOMPARE(window.windowTitle(), "other.csv[*] – VeskTimeline Workbench");
         QCOMPARE(window.model()->trackCount(), 2);
         QVERIFY(window.timeline()->view()->isExpanded(window.model()->index(0, 0)));
         QVERIFY(window.timeline()->view()->selectedItemIds().isEmpty());
