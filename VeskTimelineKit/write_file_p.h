@@ -59,8 +59,9 @@ WriteResult writeFile(const QString& fileName, Write write)
         return FileError{fileName, 0, file.errorString()};
     try {
         const QStringList warnings = write(file);
-        // Committing reports failed writes, but not that what was still buffered could not be written.
-        if (file.flush() && file.commit())
+        // Committing reports failed writes, but not that what was still buffered could not be written. A write that
+        // the disk has cut short says why at the second try only.
+        if ((file.flush() || file.flush()) && file.commit())
             return warnings;
         return FileError{fileName, 0, file.errorString()};
     } catch (const QString& reason) {

@@ -88,7 +88,7 @@ void FileSession::startNew()
 void FileSession::whenDisposable(const std::function<void()>& then)
 {
     if (m_question) {
-        m_question->raise();
+        m_question->activateWindow();
         return;
     }
     if (isSaving()) {

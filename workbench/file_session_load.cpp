@@ -135,8 +135,8 @@ void FileSession::load(Purpose purpose, Files files)
         names.append(file.fileName);
     // Before reading: what changes from now on is a change.
     m_stampsOfLoading = stampsOf(names);
-    Q_EMIT workStarted(tr("Reading %1").arg(QFileInfo(names.first()).fileName()));
     m_loader.start(m_loading);
+    Q_EMIT workStarted(tr("Reading %1").arg(QFileInfo(names.first()).fileName()));
 }
 
 void FileSession::replaceDocument(LoadedDocument& loaded)

@@ -104,8 +104,8 @@ void FileSession::write(const QString& fileName, const DocumentFormat& format, b
     m_savingFormat = &format;
     m_isExport = isExport;
     m_watch.setPaused(true);
-    Q_EMIT workStarted(tr("Writing %1").arg(QFileInfo(fileName).fileName()));
     m_snapshot.start();
+    Q_EMIT workStarted(tr("Writing %1").arg(QFileInfo(fileName).fileName()));
 }
 
 // What is changed from here on is not in the file, so the mark for that is set now, and taken back should it fail.

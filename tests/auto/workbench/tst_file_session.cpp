@@ -93,10 +93,10 @@ void acceptFile(QFileDialog* dialog, const QString& text)
 
 } // namespace
 
-#define PRESS(window, name, button)                                                                                    \
+#define PRESS(window, name, pressed)                                                                                    \
     QTRY_VERIFY(box(window, name));                                                                                    \
-    QVERIFY(box(window, name)->button(QMessageBox::button));                                                           \
-    QTest::mouseClick(box(window, name)->button(QMessageBox::button), Qt::LeftButton);                                 \
+    QVERIFY(box(window, name)->button(QMessageBox::pressed));                                                           \
+    QTest::mouseClick(box(window, name)->button(QMessageBox::pressed), Qt::LeftButton);                                 \
     QTRY_VERIFY(!box(window, name))
 
 class TestFileSession : public QObject
