@@ -33,6 +33,18 @@ void moveWithin(Items& items, int from, int to)
 
 } // namespace
 
+const Item* ModelContents::findItem(const StandardTimelineModel& model, int itemId)
+{
+    const auto found = model.m_itemCache.find(itemId);
+    return found != model.m_itemCache.end() ? found->second : nullptr;
+}
+
+const Track* ModelContents::findTrack(const StandardTimelineModel& model, int trackId)
+{
+    const auto found = model.m_trackCache.find(trackId);
+    return found != model.m_trackCache.end() ? found->second : nullptr;
+}
+
 int ModelContents::positionOf(const Item& item) const
 {
     const Items& items = m_model.track(item.parentTrackId())->items();

@@ -64,6 +64,10 @@ class ModelContents
 public:
     explicit ModelContents(StandardTimelineModel& model) : m_model(model) {}
 
+    /// Null when there is none; look-ups that throw cost too much where many may fail.
+    static const Item* findItem(const StandardTimelineModel& model, int itemId);
+    static const Track* findTrack(const StandardTimelineModel& model, int trackId);
+
     ItemState itemState(int itemId) const;
     void setItemState(int itemId, const ItemState& state);
     /// Sets the times and puts the item where it then belongs, behind those that start at the same time.

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/vesktimelinekit_export.h>
+
+#include <QObject>
+
+#include <chrono>
+#include <memory>
+
+namespace VeskTimeline::Kit {
+
+class StandardTimelineModel;
+struct JournalPrivate;
+
+/// How often a journal is written, and when it is made smaller. The defaults are for use; tests are in a hurry.
+struct JournalOptions
+{
+    std::chrono::milliseconds interval{500};       ///< from a change to its writing, also while changes go on
+    std::chrono::milliseconds retryInterval{5000}; ///< after a failure
+    qint64 compactionFloor = 16 * 1024 * 1024; ///< bytes; a journal is not made smaller before it is longer than that
+    int compactionFactor = 4;                  ///< and than its base, that many times
+};
+
+/// Writes every change of a model to a file while it is made, so that after a crash readJournal() brings it back.
+///
+/// Nothing is written before the first change. Then the document as it was before, the base, goes into a file beside
+/// the journal, and each change is appended to the journal within interval of its start, as much as has changed, and is
+/// forced to the disk. All writing happens in a thread of its own, without regard to the size of the document.
+///
+/// When writing fails, as on a full disk, failed() is emitted once, the changes are kept in mind, and writing is tried
+/// again every retryInterval until it works, which resumed() tells.
+///
+/// The file belongs to this journal alone. It stays when the journal is destroyed without drop(). For use on the GUI
+/// thread; not supported: models whose contents are changed without the signals of StandardTimelineModel. After a
+/// reset of the model that start() does not follow, the next change is written with all that there is then.
+class VESKTIMELINEKIT_EXPORT Journal : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param model must outlive the journal, or never change again
+    /// @param fileName its folder is made when it is missing
+    Journal(StandardTimelineModel& model, const QString& fileName, const JournalOptions& options = {},
+            QObject* parent = nullptr);
+    ~Journal() override;
+
+    QString fileName() const;
+
+    /// Forgets, and removes, what was written before; from now on changes are written.
+    /// @param base the very document that StandardTimelineModel::setDocument() was given, with no change made since:
+    /// the ids of tracks and items follow from it. Null: the whole model is taken, on the GUI thread, at the first
+    /// change
+    /// @param fileNames that the document was read from, for whoever recovers it
+    /// @param isModified write at once, without waiting for a change: what is shown is in no file
+    void start(std::shared_ptr<const Document> base, const QStringList& fileNames, bool isModified = false);
+    /// Counts changes, so that what was saved can be named. It grows with each change and never means two states.
+    quint64 revision() const;
+    /// The document of a revision is in a file now: unless there has been another change since, there is nothing to
+    /// recover until the next one.
+    void markSaved(quint64 revision);
+    /// Has what is waiting written now.
+    void flush();
+    /// Removes all that was written and stops until start() is called.
+    void drop();
+
+Q_SIGNALS:
+    /// All changes so far, and what they are changes to, are on the disk.
+    void written();
+    /// @param reason a sentence, translated
+    void failed(const QString& reason);
+    void resumed();
+
+private:
+    void onTouched();
+    void onReset();
+    void onAppended(int generation);
+    void onRejected(int generation, const QString& reason);
+    void onBaseWritten(int generation);
+    void onLost(int generation);
+    void fail(bool& isFailing, const QString& reason);
+    void succeed(bool& isFailing);
+    void begin(bool withEverything);
+    void append();
+    void finishWrite();
+
+    std::unique_ptr<JournalPrivate> d;
+};
+
+} // namespace VeskTimeline::Kit
