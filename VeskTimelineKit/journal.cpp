@@ -184,7 +184,7 @@ void Journal::markSaved(quint64 revision)
 // What follows when all that was changed has been written.
 void Journal::finishWrite()
 {
-    if (d->inFlight || !d->changes.isEmpty())
+    if (d->inFlight || d->timer.isActive() || !d->changes.isEmpty())
         return;
     if (std::exchange(d->isSaving, false) && d->savedRevision == d->revision)
         d->post([](JournalWriter& writer) { writer.markSaved(); });

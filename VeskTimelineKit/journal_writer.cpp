@@ -59,8 +59,8 @@ bool JournalWriter::writeText(const QByteArray& text)
 {
     if (m_journal.isOpen())
         return m_journal.append(text) && m_journal.sync();
-    // The base may not be there yet; it will be, under that name.
-    if (m_baseFile.fileName().isEmpty())
+    // The base may not be there yet; once its name is known, it will be.
+    if (m_base && !m_baseLines)
         startBase();
     const JournalHeader header{m_fileNames, QFileInfo(m_baseFile.fileName()).fileName()};
     if (!m_journal.create(m_fileName))

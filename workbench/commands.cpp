@@ -123,18 +123,26 @@ int runWithWindow(const CommandLine& commandLine, const ReadDocuments& loaded)
     QApplication::setOrganizationName(QStringLiteral("VeskTimeline"));
     QApplication::setApplicationName(QStringLiteral("vesk-timeline-workbench"));
     MainWindow window;
+<<<<<<< HEAD
     // Pictures are the same for everybody.
     if (commandLine.action == CommandLine::Action::ShowWindow)
         window.keepViewSettings(commandLine.theme);
     else
         window.theme()->setScheme(commandLine.theme.value_or(Theme::System));
+=======
+    const bool isForUser = commandLine.action == CommandLine::Action::ShowWindow;
+    if (isForUser)
+        window.startAutosave();
+>>>>>>> a5b2fd0 (Keep each window's changes in a journal of its own, and offer what a crash has left)
     if (!commandLine.files.isEmpty())
         window.showDocument(loaded.document, commandLine.files, commandLine.from, commandLine.readOptions,
                             loaded.stretch);
     if (commandLine.action == CommandLine::Action::SaveScreenshot)
         return saveScreenshot(window, commandLine.output);
     window.show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    window.autosave()->closed();
+    return status;
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "theme.h"
+#include "autosave.h"
+#include "time_stretches.h"
 
 #include <VeskTimeline/timeline_utils.h>
 #include <VeskTimelineKit/document.h>
@@ -61,6 +63,12 @@ public:
                       const VeskTimeline::Kit::DocumentFormat* format = nullptr,
                       const VeskTimeline::Kit::ReadOptions& options = {}, double stretch = 1.0);
 
+    /// Keeps changes in a journal from now on, and offers those that others have left, see Autosave.
+    /// @param folder empty: Autosave::defaultFolder()
+    void startAutosave(const QString& folder = {});
+    /// Null before startAutosave().
+    Autosave* autosave() const { return m_autosave.get(); }
+
     VeskTimeline::TimelineWidget* timeline() const { return m_timeline; }
     VeskTimeline::Kit::StandardTimelineModel* model() const { return m_model.get(); }
     /// Whatever reads or writes files for the window does so through this.
@@ -104,6 +112,7 @@ private:
     void updateFileActions();
     void showLoaded(const VeskTimeline::Kit::Document& document);
     void showAdded(const VeskTimeline::Kit::Document& added);
+    void showRecovered(const Autosave::Recovered& recovered);
     void fitNameColumn();
     void forgetRemovedItems();
 
@@ -125,6 +134,9 @@ private:
     RecentFiles* m_recentFiles = nullptr;
     TaskProgress* m_taskProgress = nullptr;
     bool m_mayClose = false;
+    std::unique_ptr<Autosave> m_autosave;
+    TimeStretches m_stretches;
+    int m_stretch = 0;
     QStringList m_warnings;
     ItemCommands* m_itemCommands = nullptr;
     QAction* m_previousPart = nullptr;
