@@ -71,13 +71,19 @@ void JournalReplay::readBase(const QString& fileName)
                                  "here."));
         return;
     }
+    // Many at a time, since each change has its price; and not all, since that would be a second copy of everything.
+    constexpr std::size_t enough = 1000;
     JsonRecordParser parser;
+    JournalDelta delta;
     int damaged = 0;
     while (!file.atEnd()) {
         reportProgress(file, 0.0, baseShare);
-        if (!readBaseLine(file.readLine(longestJournalLine), parser))
+        if (!readBaseLine(file.readLine(longestJournalLine), parser, delta))
             ++damaged;
+        if (delta.items.size() >= enough)
+            m_state.apply(std::exchange(delta, {}));
     }
+    m_state.apply(std::move(delta));
     if (damaged > 0)
         m_problems.append(Tr::tr("%n items or tracks cannot be read.", nullptr, damaged));
     if (!m_isBaseComplete)
@@ -85,17 +91,15 @@ void JournalReplay::readBase(const QString& fileName)
                                  "changed may be missing here, and is still in the file that it was opened from."));
 }
 
-bool JournalReplay::readBaseLine(const QByteArray& line, JsonRecordParser& parser)
+bool JournalReplay::readBaseLine(const QByteArray& line, JsonRecordParser& parser, JournalDelta& delta)
 {
     std::optional<QByteArray> json = checkedJson(line);
     const std::optional<simdjson::dom::element> value = json ? parser.parse(*json) : std::nullopt;
     if (!value)
         return false;
     try {
-        JournalDelta delta;
         qint64 time = 0;
         m_isBaseComplete = readRecord(*value, delta, time) == JournalMark::End;
-        m_state.apply(std::move(delta));
     } catch (const QString&) {
         return false;
     }

@@ -40,7 +40,7 @@ public:
 private:
     bool readHeaderLine(QFile& file);
     void readBase(const QString& fileName);
-    bool readBaseLine(const QByteArray& line, JsonRecordParser& parser);
+    bool readBaseLine(const QByteArray& line, JsonRecordParser& parser, JournalDelta& delta);
     void readChanges(QFile& file, qint64 end);
     void reportProgress(const QFile& file, double from, double to);
 
