@@ -3,6 +3,8 @@
 #include "kit_tr_p.h"
 #include "vtl_members_p.h"
 
+#include <QIODevice>
+
 #include <limits>
 #include <zlib.h>
 
@@ -119,6 +121,17 @@ JournalItem readItem(const dom::object& members)
 QByteArray journalLine(const QByteArray& json)
 {
     return checksum(json) + ' ' + json + '\n';
+}
+
+QByteArray readJournalLine(QIODevice& device)
+{
+    constexpr qint64 longest = 256 * 1024 * 1024;
+    // Room is made for as much as is asked for.
+    constexpr qint64 usual = 16 * 1024;
+    QByteArray line = device.readLine(usual);
+    while (!line.isEmpty() && line.back() != '\n' && line.size() < longest && !device.atEnd())
+        line += device.readLine(usual);
+    return line;
 }
 
 std::optional<QByteArray> checkedJson(const QByteArray& line)

@@ -11,6 +11,8 @@
 #include <simdjson.h>
 #include <vector>
 
+class QIODevice;
+
 namespace VeskTimeline::Kit {
 
 /// What a journal says of a track.
@@ -67,6 +69,8 @@ struct JournalHeader
 
 /// A line of a journal: a checksum, the JSON, and the line's end.
 QByteArray journalLine(const QByteArray& json);
+/// The next line of a file; of what is too long for a line of a journal, a part.
+QByteArray readJournalLine(QIODevice& device);
 /// The JSON of such a line; nothing when the line is incomplete or damaged.
 std::optional<QByteArray> checkedJson(const QByteArray& line);
 

@@ -26,7 +26,7 @@ std::optional<JournalInfo> journalInfo(const QString& fileName)
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
     JournalInfo info{{}, QFileInfo(file).lastModified(), false};
-    std::optional<QByteArray> json = checkedJson(file.readLine(longestJournalLine));
+    std::optional<QByteArray> json = checkedJson(readJournalLine(file));
     JsonRecordParser parser;
     const std::optional<simdjson::dom::element> value = json ? parser.parse(*json) : std::nullopt;
     if (const std::optional<JournalHeader> header = value ? readHeader(*value) : std::nullopt)

@@ -17,7 +17,7 @@ constexpr double baseShare = 0.8;
 
 std::optional<JournalHeader> parseHeader(QFile& file)
 {
-    std::optional<QByteArray> json = checkedJson(file.readLine(longestJournalLine));
+    std::optional<QByteArray> json = checkedJson(readJournalLine(file));
     JsonRecordParser parser;
     const std::optional<simdjson::dom::element> value = json ? parser.parse(*json) : std::nullopt;
     return value ? readHeader(*value) : std::nullopt;
@@ -78,7 +78,7 @@ void JournalReplay::readBase(const QString& fileName)
     int damaged = 0;
     while (!file.atEnd()) {
         reportProgress(file, 0.0, baseShare);
-        if (!readBaseLine(file.readLine(longestJournalLine), parser, delta))
+        if (!readBaseLine(readJournalLine(file), parser, delta))
             ++damaged;
         if (delta.items.size() >= enough)
             m_state.apply(std::exchange(delta, {}));
@@ -114,7 +114,7 @@ void JournalReplay::readChanges(QFile& file, qint64 end)
     bool isWhole = true;
     while (isWhole && !isDone()) {
         reportProgress(file, baseShare, 1.0);
-        std::optional<QByteArray> json = checkedJson(file.readLine(longestJournalLine));
+        std::optional<QByteArray> json = checkedJson(readJournalLine(file));
         const std::optional<simdjson::dom::element> value = json ? parser.parse(*json) : std::nullopt;
         isWhole = value.has_value();
         if (!isWhole)

@@ -56,7 +56,5 @@ private:
 
 /// The base files of a journal, the newest last.
 QStringList journalBases(const QString& fileName);
-/// The longest line that is read; longer ones are no lines of a journal.
-constexpr qint64 longestJournalLine = 256 * 1024 * 1024;
 
 } // namespace VeskTimeline::Kit
