@@ -123,17 +123,14 @@ int runWithWindow(const CommandLine& commandLine, const ReadDocuments& loaded)
     QApplication::setOrganizationName(QStringLiteral("VeskTimeline"));
     QApplication::setApplicationName(QStringLiteral("vesk-timeline-workbench"));
     MainWindow window;
-<<<<<<< HEAD
-    // Pictures are the same for everybody.
-    if (commandLine.action == CommandLine::Action::ShowWindow)
-        window.keepViewSettings(commandLine.theme);
-    else
-        window.theme()->setScheme(commandLine.theme.value_or(Theme::System));
-=======
     const bool isForUser = commandLine.action == CommandLine::Action::ShowWindow;
-    if (isForUser)
+    // Pictures are the same for everybody.
+    if (isForUser) {
+        window.keepViewSettings(commandLine.theme);
         window.startAutosave();
->>>>>>> a5b2fd0 (Keep each window's changes in a journal of its own, and offer what a crash has left)
+    } else {
+        window.theme()->setScheme(commandLine.theme.value_or(Theme::System));
+    }
     if (!commandLine.files.isEmpty())
         window.showDocument(loaded.document, commandLine.files, commandLine.from, commandLine.readOptions,
                             loaded.stretch);

@@ -92,6 +92,8 @@ Q_SIGNALS:
                         const QStringList& fileNames, const VeskTimeline::Kit::ReadOptions& options);
     /// What add() has added.
     void filesAdded(const std::shared_ptr<const VeskTimeline::Kit::Document>& added);
+    /// The document is about to be written to a file of its own as it is now. Not for exports.
+    void savingStarted();
     /// The document is in the file. Not for exports.
     void documentSaved(const QString& fileName);
     void exported(const QString& fileName);

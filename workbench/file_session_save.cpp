@@ -118,6 +118,7 @@ void FileSession::writeSnapshot(const std::shared_ptr<const Document>& document)
         m_isMarkedClean = true;
         m_model->finishGesture();
         stack->setClean();
+        Q_EMIT savingStarted();
     }
     m_saver.start(document, m_savingName, *m_savingFormat);
 }

@@ -74,7 +74,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent)
 
 MainWindow::~MainWindow()
 {
-    // The model, a member, must outlive the view, which as a child would outlive it.
+    // The model, a member, must outlive whoever uses it, which as children would outlive it.
+    m_autosave.reset();
+    delete m_session;
     delete centralWidget();
 }
 

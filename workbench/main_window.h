@@ -1,8 +1,7 @@
 #pragma once
 
-#include "theme.h"
 #include "autosave.h"
-#include "time_stretches.h"
+#include "theme.h"
 
 #include <VeskTimeline/timeline_utils.h>
 #include <VeskTimelineKit/document.h>
@@ -135,8 +134,6 @@ private:
     TaskProgress* m_taskProgress = nullptr;
     bool m_mayClose = false;
     std::unique_ptr<Autosave> m_autosave;
-    TimeStretches m_stretches;
-    int m_stretch = 0;
     QStringList m_warnings;
     ItemCommands* m_itemCommands = nullptr;
     QAction* m_previousPart = nullptr;

@@ -1,4 +1,5 @@
 #include "autosave.h"
+#include "file_session.h"
 #include "main_window.h"
 
 #include <QLabel>
@@ -14,6 +15,9 @@ void MainWindow::startAutosave(const QString& folder)
 {
     m_autosave = std::make_unique<Autosave>(*m_model, folder.isEmpty() ? Autosave::defaultFolder() : folder);
     m_autosave->startFor(std::make_shared<const Document>(), {});
+    connect(m_session, &FileSession::documentLoaded, m_autosave.get(), &Autosave::startFor);
+    connect(m_session, &FileSession::savingStarted, m_autosave.get(), &Autosave::saving);
+    connect(m_session, &FileSession::documentSaved, m_autosave.get(), &Autosave::documentSaved);
     connect(m_autosave.get(), &Autosave::documentRecovered, this, &MainWindow::showRecovered);
 
     auto* const failure = new QLabel(tr("Not kept for a crash"), this);
@@ -33,6 +37,7 @@ void MainWindow::showRecovered(const Autosave::Recovered& recovered)
 {
     showDocument(recovered->document, recovered->fileNames);
     m_autosave->startRecovered(recovered);
+    m_session->setUnsaved();
     if (recovered->problems.isEmpty())
         return;
     auto* const message = new QMessageBox(QMessageBox::Warning, tr("Recovered in Part"),
