@@ -21,9 +21,9 @@
 #include <workbench/icons.h>
 #include <workbench/item_hover_text.h>
 #include <workbench/main_window.h>
-#include <workbench/theme.h>
 #include <workbench/navigation.h>
 #include <workbench/overview_strip.h>
+#include <workbench/theme.h>
 
 using namespace VeskTimeline;
 using Workbench::MainWindow;
@@ -196,7 +196,7 @@ private Q_SLOTS:
     void severalFilesAreNamedInTheTitleAndHaveATrackEach()
     {
         MainWindow window;
-        const QString other = write("other.csv", "track,label,start,end,note\nEVAs,x,92554380000,92554390000,n\n");
+        const QString other = write("other.csv", "track;label;start;end\nEVAs;x;92554380000;92554390000\n");
         window.openFiles({sample, other});
         QCOMPARE(window.windowTitle(), "apollo17.csv and 1 more[*] – VeskTimeline Workbench");
         QCOMPARE(window.model()->rowCount(), 2);
