@@ -40,20 +40,19 @@ void collect(const QMenu& menu, QList<ShortcutGroup::Entry>* entries)
 ShortcutGroup itemGestures()
 {
     const auto tr = [](const char* text) { return ShortcutPage::tr(text); };
-    return {tr("Items"),
-            {{tr("Click"), tr("Select the item alone; the only selected one is unselected")},
-             {tr("Ctrl+Click"), tr("Add the item to the selection, or take it out")},
-             {tr("Drag from an empty place"), tr("Select the items within the rectangle")},
-             {tr("Double click"), tr("Activate the item")},
-             {tr("Drag"), tr("Move the selected items; onto another row, move them to that track")},
-             {tr("Drag an edge"), tr("Change start or end")},
-             {tr("Left, Right"), tr("Move the selected items by ten snap steps")},
-             {tr("Ctrl+Left, Ctrl+Right"), tr("Move the selected items by one snap step")},
-             {tr("Escape"), tr("Give up a move, and select nothing")},
-             {tr("Delete"), tr("Remove the selected items")},
-             {tr("Ctrl+A"), tr("Select all items")},
-             {tr("Ctrl+C, Ctrl+X"), tr("Copy or cut the selected items")},
-             {tr("Ctrl+V"), tr("Paste at the indicator, or at the left edge while it is hidden")}}};
+    return {
+        tr("Items"),
+        {{tr("Click"), tr("Select the item alone; the only selected one is unselected")},
+         {tr("Ctrl+Click"), tr("Add the item to the selection, or take it out")},
+         {tr("Drag from an empty place"), tr("Select the items within the rectangle")},
+         {tr("Double click"), tr("Edit the item's label; on an empty place, add an item; on a name, rename the track")},
+         {tr("Right click"), tr("Commands on the item, or the track")},
+         {tr("Drag"), tr("Move the selected items; onto another row, move them to that track")},
+         {tr("Drag an edge"), tr("Change start or end")},
+         {tr("Shift while dragging"), tr("Suspend snapping")},
+         {tr("Left, Right"), tr("Move the selected items by ten snap steps")},
+         {tr("Ctrl+Left, Ctrl+Right"), tr("Move the selected items by one snap step")},
+         {tr("Escape"), tr("Give up a move, and select nothing")}}};
 }
 
 ShortcutGroup viewGestures()

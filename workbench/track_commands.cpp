@@ -43,8 +43,8 @@ TrackCommands::TrackCommands(StandardTimelineModel* model, TimelineView* view, Q
       m_remove(addAction("remove_track", tr("Re&move track…"), {}, &TrackCommands::removeCurrent)),
       m_up(addAction("track_up", tr("Move track &up"), tr("Alt+Up"), &TrackCommands::moveUp)),
       m_down(addAction("track_down", tr("Move track &down"), tr("Alt+Down"), &TrackCommands::moveDown)),
-      m_in(addAction("track_in", tr("Move track &into the one above"), tr("Alt+Right"), &TrackCommands::moveIn)),
-      m_out(addAction("track_out", tr("Move track &out of its parent"), tr("Alt+Left"), &TrackCommands::moveOut))
+      m_in(addAction("track_in", tr("Move track &into the one above"), tr("Ctrl+]"), &TrackCommands::moveIn)),
+      m_out(addAction("track_out", tr("Move track &out of its parent"), tr("Ctrl+["), &TrackCommands::moveOut))
 {
     m_title->setObjectName(QStringLiteral("track_title"));
     m_title->setEnabled(false);

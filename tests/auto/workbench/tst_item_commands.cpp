@@ -29,7 +29,8 @@ using Workbench::MainWindow;
 namespace {
 
 // The offscreen platform remarks on every window that limits its size; the library on presses beside the rows.
-const QRegularExpression unexpectedWarning("^(?!This plugin does not support (propagateSizeHints|raise)|clicked on row)");
+const QRegularExpression
+    unexpectedWarning("^(?!This plugin does not support (propagateSizeHints|grabbing the keyboard)|clicked on row)");
 constexpr qint64 base = 1'600'000'000'000;
 constexpr qint64 minute = 60'000;
 
@@ -44,6 +45,7 @@ struct Scene
         window.showDocument(document, {});
         window.show();
         model.setSnapEnabled(false);
+        QTest::qWaitForWindowActive(&window);
         view.setFocus();
         QCoreApplication::processEvents();
     }
