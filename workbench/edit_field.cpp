@@ -38,6 +38,7 @@ EditField::EditField(const QString& name, Lines lines, Commit commit, QWidget* p
     } else {
         m_lines = new QPlainTextEdit(this);
         m_lines->setTabChangesFocus(true);
+        m_lines->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         m_lines->setFixedHeight(visibleLines * fontMetrics().lineSpacing() + 2 * m_lines->frameWidth() + 8);
         edit = m_lines;
     }
