@@ -88,16 +88,6 @@ void verifyConsistent(const Model& model)
     QCOMPARE(model.known(), QSet<int>(ids.begin(), ids.end()));
 }
 
-// A (a0 0+10, a1 5+10, a2 5+20), A > B (b 100+10), C (c 7+0)
-Document sampleDocument()
-{
-    Document document;
-    document.track({"A"}).items = {{"a0", 0, 10, {}}, {"a1", 5, 10, {}}, {"a2", 5, 20, {}}};
-    document.track({"A", "B"}).items = {{"b", 100, 10, Qt::red}};
-    document.track({"C"}).items = {{"c", 7, 0, {}}};
-    return document;
-}
-
 QStringList texts(const QUndoStack& stack)
 {
     QStringList list;
