@@ -61,7 +61,7 @@ QString FileSession::title() const
 
 bool FileSession::isBusy() const
 {
-    return m_loader.isRunning() || isSaving();
+    return m_isAsking || m_loader.isRunning() || isSaving();
 }
 
 void FileSession::setUnsaved()
@@ -91,6 +91,7 @@ void FileSession::whenDisposable(const std::function<void()>& then)
         m_question->activateWindow();
         return;
     }
+    Q_EMIT contentsNeeded();
     if (isSaving()) {
         m_afterSaving = [this, then] { whenDisposable(then); };
         return;

@@ -33,8 +33,11 @@ class FileSession : public QObject
 
 public:
     using Files = std::vector<VeskTimeline::Kit::FileToRead>;
-    /// Asks the user how a file of comma-separated values is to be read. @return false: not at all
-    using AskForReadOptions = std::function<bool(const QString& fileName, VeskTimeline::Kit::ReadOptions& options)>;
+    /// How a file is to be read; nothing: not at all.
+    using ReadAnswer = std::optional<VeskTimeline::Kit::ReadOptions>;
+    /// Asks the user how a file of comma-separated values is to be read, and calls `done` once, at once or later.
+    using AskForReadOptions = std::function<void(const QString& fileName, const VeskTimeline::Kit::ReadOptions& options,
+                                                 const std::function<void(const ReadAnswer&)>& done)>;
 
     /// @param model not owned, must outlive this object. @param window the parent of dialogs, and of this object
     FileSession(VeskTimeline::Kit::StandardTimelineModel* model, QWidget* window);
@@ -48,6 +51,7 @@ public:
     bool isModified() const;
     /// For the window, with the place of the mark for changes.
     QString title() const;
+    /// Whether files are being read or written, or the user is being asked how to read them.
     bool isBusy() const;
     bool isSaving() const { return m_snapshot.isRunning() || m_saver.isRunning(); }
 
@@ -92,6 +96,8 @@ Q_SIGNALS:
                         const QStringList& fileNames, const VeskTimeline::Kit::ReadOptions& options);
     /// What add() has added.
     void filesAdded(const std::shared_ptr<const VeskTimeline::Kit::Document>& added);
+    /// What the document says is going to be written, or asked about: who has something to add does so now.
+    void contentsNeeded();
     /// The document is about to be written to a file of its own as it is now. Not for exports.
     void savingStarted();
     /// The document is in the file. Not for exports.
@@ -113,7 +119,7 @@ private:
     void createLoader();
     void createSaver();
     Files filesToRead(const QStringList& fileNames) const;
-    bool askAboutFiles(Files& files) const;
+    void askAboutFiles(Files files, std::size_t position, const std::function<void(Files)>& then);
     void load(Purpose purpose, Files files);
     void replaceDocument(VeskTimeline::Kit::LoadedDocument& loaded);
     void addLoaded(const VeskTimeline::Kit::LoadedDocument& loaded);
@@ -133,6 +139,7 @@ private:
     VeskTimeline::Kit::StandardTimelineModel* m_model;
     QWidget* m_window;
     AskForReadOptions m_askForReadOptions;
+    bool m_isAsking = false;
     Files m_files;
     double m_stretch = 1.0;
     bool m_isUnsaved = false;

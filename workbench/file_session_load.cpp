@@ -7,6 +7,9 @@
 #include <QSet>
 #include <QUndoStack>
 
+#include <algorithm>
+#include <iterator>
+
 namespace Workbench {
 
 using namespace VeskTimeline::Kit;
@@ -59,24 +62,36 @@ FileSession::Files FileSession::filesToRead(const QStringList& fileNames) const
     return files;
 }
 
-bool FileSession::askAboutFiles(Files& files) const
+// Files before the position have been asked about.
+void FileSession::askAboutFiles(Files files, std::size_t position, const std::function<void(Files)>& then)
 {
-    for (FileToRead& file : files) {
-        const bool isCsv = file.format == documentFormatByName(QStringLiteral("csv"));
-        if (isCsv && m_askForReadOptions && !m_askForReadOptions(file.fileName, file.options))
-            return false;
+    const DocumentFormat* const csv = documentFormatByName(QStringLiteral("csv"));
+    const auto isToAskAbout = [csv](const FileToRead& file) { return file.format == csv; };
+    const auto next = std::find_if(files.begin() + static_cast<std::ptrdiff_t>(position), files.end(), isToAskAbout);
+    if (next == files.end() || !m_askForReadOptions) {
+        then(std::move(files));
+        return;
     }
-    return true;
+    m_isAsking = true;
+    Q_EMIT stateChanged();
+    const auto asked = static_cast<std::size_t>(std::distance(files.begin(), next));
+    const FileToRead file = *next;
+    m_askForReadOptions(file.fileName, file.options, [this, files, asked, then](const ReadAnswer& answer) mutable {
+        m_isAsking = false;
+        if (answer) {
+            files[asked].options = *answer;
+            askAboutFiles(std::move(files), asked + 1, then);
+        }
+        Q_EMIT stateChanged();
+    });
 }
 
 void FileSession::open(const QStringList& fileNames)
 {
-    if (fileNames.isEmpty())
+    if (fileNames.isEmpty() || m_isAsking)
         return;
     whenDisposable([this, fileNames] {
-        Files files = filesToRead(fileNames);
-        if (askAboutFiles(files))
-            load(Purpose::Open, std::move(files));
+        askAboutFiles(filesToRead(fileNames), 0, [this](Files files) { load(Purpose::Open, std::move(files)); });
     });
 }
 
@@ -84,11 +99,10 @@ void FileSession::add(const QStringList& fileNames)
 {
     if (fileNames.isEmpty() || isBusy())
         return;
-    Files files = filesToRead(fileNames);
-    if (!askAboutFiles(files))
-        return;
-    nameTracks(files);
-    load(Purpose::Add, std::move(files));
+    askAboutFiles(filesToRead(fileNames), 0, [this](Files files) {
+        nameTracks(files);
+        load(Purpose::Add, std::move(files));
+    });
 }
 
 // Tracks of the same name would become one.

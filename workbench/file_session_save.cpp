@@ -100,6 +100,7 @@ void FileSession::write(const QString& fileName, const DocumentFormat& format, b
 {
     if (isBusy())
         return;
+    Q_EMIT contentsNeeded();
     m_savingName = fileName;
     m_savingFormat = &format;
     m_isExport = isExport;

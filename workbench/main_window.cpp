@@ -1,5 +1,6 @@
 #include "main_window.h"
 
+#include "csv_import_assistant.h"
 #include "file_session.h"
 #include "icons.h"
 #include "item_hover_text.h"
@@ -15,6 +16,7 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QApplication>
+#include <QSettings>
 
 #include <algorithm>
 

@@ -17,6 +17,7 @@
 class QAction;
 class QLabel;
 class QMenu;
+class QSettings;
 
 namespace VeskTimeline {
 class TimelineView;
@@ -29,14 +30,15 @@ struct DocumentFormat;
 
 namespace Workbench {
 
+class CsvImportAssistant;
+class FileSession;
 class FindBar;
 class ItemCommands;
 class Navigation;
 class OverviewStrip;
-class ViewSettings;
-class FileSession;
 class RecentFiles;
 class TaskProgress;
+class ViewSettings;
 
 /// The workbench's window: a timeline with everything switched on, a tool bar, and a status bar that says what is
 /// loaded.
@@ -130,6 +132,8 @@ private:
     OverviewStrip* m_overviewStrip = nullptr;
     FindBar* m_findBar = nullptr;
     FileSession* m_session = nullptr;
+    std::unique_ptr<QSettings> m_settings;
+    std::unique_ptr<CsvImportAssistant> m_importAssistant;
     RecentFiles* m_recentFiles = nullptr;
     TaskProgress* m_taskProgress = nullptr;
     bool m_mayClose = false;

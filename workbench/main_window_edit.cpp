@@ -1,3 +1,4 @@
+#include "file_session.h"
 #include "icons.h"
 #include "inspector.h"
 #include "item_commands.h"
@@ -51,6 +52,7 @@ void MainWindow::createInspector()
     toggle->setObjectName(QStringLiteral("inspector"));
     toggle->setText(tr("&Inspector"));
     toggle->setShortcut(tr("Ctrl+I"));
+    connect(m_session, &FileSession::contentsNeeded, inspector, &Inspector::commitPending);
     connect(m_itemCommands, &ItemCommands::labelEditRequested, inspector, [dock, inspector] {
         dock->show();
         dock->raise();

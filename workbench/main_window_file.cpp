@@ -1,7 +1,9 @@
+#include "csv_import_assistant.h"
 #include "file_session.h"
 #include "main_window.h"
 #include "navigation.h"
 #include "recent_files.h"
+#include "settings.h"
 #include "task_progress.h"
 
 #include <VeskTimeline/timeline_view.h>
@@ -40,6 +42,16 @@ void MainWindow::createFileSession()
     m_session = new FileSession(m_model.get(), this);
     m_recentFiles = new RecentFiles(this);
     setAcceptDrops(true);
+    m_settings = openSettings();
+    m_importAssistant = std::make_unique<CsvImportAssistant>(this, *m_settings);
+    m_session->setAskForReadOptions([this](const QString& fileName, const ReadOptions& options,
+                                           const std::function<void(const FileSession::ReadAnswer&)>& done) {
+        m_importAssistant->ask(fileName, options.csv, [options, done](const std::optional<CsvOptions>& csv) {
+            ReadOptions chosen = options;
+            chosen.csv = csv.value_or(CsvOptions());
+            done(csv ? FileSession::ReadAnswer(chosen) : std::nullopt);
+        });
+    });
     createTaskProgress();
     connect(m_session, &FileSession::documentLoaded, this,
             [this](const std::shared_ptr<const Document>& document) { showLoaded(*document); });

@@ -93,10 +93,10 @@ void acceptFile(QFileDialog* dialog, const QString& text)
 
 } // namespace
 
-#define PRESS(window, name, pressed)                                                                                    \
+#define PRESS(window, name, pressed)                                                                                   \
     QTRY_VERIFY(box(window, name));                                                                                    \
-    QVERIFY(box(window, name)->button(QMessageBox::pressed));                                                           \
-    QTest::mouseClick(box(window, name)->button(QMessageBox::pressed), Qt::LeftButton);                                 \
+    QVERIFY(box(window, name)->button(QMessageBox::pressed));                                                          \
+    QTest::mouseClick(box(window, name)->button(QMessageBox::pressed), Qt::LeftButton);                                \
     QTRY_VERIFY(!box(window, name))
 
 class TestFileSession : public QObject
@@ -231,18 +231,27 @@ private Q_SLOTS:
         const QString native = write("n.vtl.json", vtlText(documentOf(2)));
         MainWindow window;
         QStringList asked;
-        bool isWanted = false;
-        window.fileSession()->setAskForReadOptions([&](const QString& fileName, ReadOptions& options) {
-            asked.append(fileName);
-            options.stretch = 7.0;
-            return isWanted;
-        });
+        std::function<void(const FileSession::ReadAnswer&)> answer;
+        window.fileSession()->setAskForReadOptions(
+            [&](const QString& fileName, const ReadOptions&,
+                const std::function<void(const FileSession::ReadAnswer&)>& done) {
+                asked.append(fileName);
+                answer = done;
+            });
+        ReadOptions wanted;
+        wanted.stretch = 7.0;
         window.fileSession()->open({native, file});
         QCOMPARE(asked, QStringList{file});
+        QVERIFY(window.fileSession()->isBusy());
+        QVERIFY(!window.findChild<QAction*>("open")->isEnabled());
+        window.fileSession()->open({native});
+        QCOMPARE(asked, QStringList{file});
+        answer({});
         QVERIFY(isIdle(window));
-        isWanted = true;
+        QVERIFY(window.findChild<QAction*>("open")->isEnabled());
         QSignalSpy loaded(window.fileSession(), &FileSession::documentLoaded);
         window.fileSession()->open({file});
+        answer(wanted);
         QTRY_COMPARE(loaded.count(), 1);
         QCOMPARE(loaded.first().at(2).value<ReadOptions>().stretch, 7.0);
         window.fileSession()->reload();
