@@ -4,8 +4,6 @@
 #include "kit_tr_p.h"
 #include "quoted_text_p.h"
 
-#include <QSet>
-
 #include <algorithm>
 
 namespace VeskTimeline::Kit {
@@ -72,6 +70,8 @@ QMap<CsvField, QStringList> CsvColumns::names() const
         for (const qsizetype column : *field)
             found[field.key()].append(m_sample.header.at(column));
     }
+    for (const CsvField field : m_denied)
+        found.insert(field, {});
     return found;
 }
 
@@ -102,6 +102,11 @@ QString CsvColumns::find(const CsvSample& sample, const QMap<CsvField, QStringLi
     return {};
 }
 
+bool CsvColumns::hasLength() const
+{
+    return has(CsvField::End) || has(CsvField::Duration);
+}
+
 bool CsvColumns::isUsed(qsizetype column) const
 {
     return std::any_of(m_columns.begin(), m_columns.end(),
@@ -122,6 +127,8 @@ bool CsvColumns::isOwnName(qsizetype column, CsvField field) const
 QString CsvColumns::takeSaid(const QMap<CsvField, QStringList>& said)
 {
     for (auto field = said.cbegin(); field != said.cend(); ++field) {
+        if (field->isEmpty())
+            m_denied.insert(field.key());
         for (const QString& wanted : *field) {
             qsizetype column = m_sample.header.indexOf(wanted);
             for (qsizetype i = 0; column < 0 && i < m_sample.header.size(); ++i) {
@@ -140,9 +147,9 @@ QString CsvColumns::takeOwnNames(const QMap<CsvField, QStringList>& said)
 {
     for (const CsvField field : csvFields()) {
         // Where one says how long items are, the other is not meant.
-        const bool isOtherSaid = (field == CsvField::End && said.contains(CsvField::Duration)) ||
-                                 (field == CsvField::Duration && said.contains(CsvField::End));
-        if (has(field) || isOtherSaid)
+        const bool isOtherSaid = (field == CsvField::End && !said.value(CsvField::Duration).isEmpty()) ||
+                                 (field == CsvField::Duration && !said.value(CsvField::End).isEmpty());
+        if (isSettled(field) || isOtherSaid)
             continue;
         for (qsizetype column = 0; column < m_sample.header.size(); ++column) {
             if (!isOwnName(column, field) || !isFree(column))
@@ -158,7 +165,7 @@ QString CsvColumns::takeOwnNames(const QMap<CsvField, QStringList>& said)
 void CsvColumns::takeSynonyms()
 {
     takeSynonym(CsvField::Start);
-    if (!has(CsvField::End) && !has(CsvField::Duration)) {
+    if (!hasLength()) {
         takeSynonym(CsvField::End);
         if (!has(CsvField::End))
             takeSynonym(CsvField::Duration);
@@ -169,7 +176,7 @@ void CsvColumns::takeSynonyms()
 
 void CsvColumns::takeSynonym(CsvField field)
 {
-    if (has(field))
+    if (isSettled(field))
         return;
     for (const QString& synonym : csvSynonyms(field)) {
         for (qsizetype column = 0; column < m_sample.header.size(); ++column) {
@@ -192,11 +199,11 @@ void CsvColumns::takeSynonym(CsvField field)
 // The first two columns that hold nothing but dates.
 void CsvColumns::takeTimesByContent()
 {
-    const bool hasNoEnd = !has(CsvField::End) && !has(CsvField::Duration);
-    for (qsizetype column = 0; column < m_sample.header.size() && !has(CsvField::Start); ++column) {
+    const bool needsEnd = !hasLength() && !isDenied(CsvField::End);
+    for (qsizetype column = 0; column < m_sample.header.size() && !isSettled(CsvField::Start); ++column) {
         if (isFree(column) && isTime(content(column)) && !isTime(contentOf(m_sample.header.at(column))))
             m_columns[CsvField::Start] = {column};
-        if (!has(CsvField::Start) || !hasNoEnd)
+        if (!has(CsvField::Start) || !needsEnd)
             continue;
         for (qsizetype end = column + 1; end < m_sample.header.size() && !has(CsvField::End); ++end) {
             if (isFree(end) && isTime(content(end)))
@@ -264,8 +271,9 @@ QString CsvColumns::missing() const
     QStringList missing;
     if (!has(CsvField::Start))
         missing.append(Tr::tr("column \"%1\" is missing").arg(csvFieldName(CsvField::Start)));
-    // A file that has other words for the start may be one of events that take no time.
-    if (!has(CsvField::End) && !has(CsvField::Duration) && (m_isOwnWay || !has(CsvField::Start)))
+    // A file that has other words for the start may be one of events that take no time; so is one of which it is said.
+    const bool isOfPoints = isDenied(CsvField::End) || isDenied(CsvField::Duration);
+    if (!hasLength() && !isOfPoints && (m_isOwnWay || !has(CsvField::Start)))
         missing.append(Tr::tr("column \"%1\" or \"%2\" is missing")
                            .arg(csvFieldName(CsvField::End), csvFieldName(CsvField::Duration)));
     return missing.join(QStringLiteral(", "));
@@ -273,7 +281,7 @@ QString CsvColumns::missing() const
 
 void CsvColumns::takeLabelByContent()
 {
-    if (has(CsvField::Label))
+    if (isSettled(CsvField::Label))
         return;
     for (const bool isByName : {true, false}) {
         for (qsizetype column = 0; column < m_sample.header.size(); ++column) {
@@ -302,9 +310,9 @@ void CsvColumns::noteGuesses(const QMap<CsvField, QStringList>& said)
         m_guesses.append(
             Tr::tr("%1 is taken from column %2").arg(csvFieldName(field), quotedNames.join(QStringLiteral(" + "))));
     }
-    if (!has(CsvField::End) && !has(CsvField::Duration))
+    if (!hasLength() && !isDenied(CsvField::End))
         m_guesses.append(Tr::tr("there is no column for the end: all items are points in time"));
-    if (!has(CsvField::Label))
+    if (!isSettled(CsvField::Label))
         m_guesses.append(Tr::tr("there is no column for labels: they are empty"));
 }
 

@@ -8,6 +8,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -47,13 +48,15 @@ public:
     QString find(const CsvSample& sample, const QMap<CsvField, QStringList>& said);
 
     bool has(CsvField field) const { return m_columns.contains(field); }
+    /// Whether it is said that there is no column for it.
+    bool isDenied(CsvField field) const { return m_denied.contains(field); }
     const QList<qsizetype>& columns(CsvField field) const;
     const std::vector<Attribute>& attributes() const { return m_attributes; }
     /// Whether all fields have the kit's own names. Such a file is taken at its word.
     bool isOwnWay() const { return m_isOwnWay; }
     /// Whether the one column of tracks holds paths.
     bool hasTrackPaths() const { return m_hasTrackPaths; }
-    /// The names of the columns of each field that has any.
+    /// The names of the columns of each field that has any; none for a field of which it is said that it has none.
     QMap<CsvField, QStringList> names() const;
     /// What was found out and not said, for the user.
     const QStringList& guesses() const { return m_guesses; }
@@ -73,6 +76,8 @@ private:
 
     const CsvName& name(qsizetype column) const { return m_names[static_cast<std::size_t>(column)]; }
     CsvContent content(qsizetype column) const { return m_contents[static_cast<std::size_t>(column)]; }
+    bool isSettled(CsvField field) const { return has(field) || isDenied(field); }
+    bool hasLength() const;
     bool isUsed(qsizetype column) const;
     bool isFree(qsizetype column) const;
     qsizetype findDateFor(qsizetype column) const;
@@ -84,6 +89,7 @@ private:
     std::vector<CsvName> m_names;
     std::vector<CsvContent> m_contents;
     QMap<CsvField, QList<qsizetype>> m_columns;
+    QSet<CsvField> m_denied;
     std::vector<Attribute> m_attributes;
     QStringList m_guesses;
     bool m_isOwnWay = false;

@@ -102,7 +102,7 @@ QString CsvItemReader::optional(const QStringList& record, CsvField field) const
     return csvFieldText(record, m_plan.columns.columns(field)).value_or(QString());
 }
 
-QStringList CsvItemReader::readPath(const QStringList& record) const
+QStringList CsvItemReader::readPath(const QStringList& record)
 {
     if (!m_plan.columns.has(CsvField::Track))
         return {m_defaultTrack};
@@ -116,14 +116,18 @@ QStringList CsvItemReader::readPath(const QStringList& record) const
     return path;
 }
 
-QStringList CsvItemReader::readOwnPath(const QString& text) const
+QStringList CsvItemReader::readOwnPath(const QString& text)
 {
+    if (!m_lastPath.isEmpty() && text == m_lastPathText)
+        return m_lastPath;
     const QStringList path = splitTrackPath(text);
     if (path.contains(QString()))
         throw path.size() == 1 ? Tr::tr("the track has no name")
                                : Tr::tr("a track in the path %1 has no name").arg(quotedText(text));
     if (path.size() > deepestPath)
         throw Tr::tr("the track is more than %1 levels deep").arg(deepestPath);
+    m_lastPathText = text;
+    m_lastPath = path;
     return path;
 }
 

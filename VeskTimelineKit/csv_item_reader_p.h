@@ -44,8 +44,8 @@ public:
 private:
     QString required(const QStringList& record, CsvField field) const;
     QString optional(const QStringList& record, CsvField field) const;
-    QStringList readPath(const QStringList& record) const;
-    QStringList readOwnPath(const QString& text) const;
+    QStringList readPath(const QStringList& record);
+    QStringList readOwnPath(const QString& text);
     CsvTime checked(const std::optional<CsvTime>& time, CsvField field, const QString& text);
     QString badTime(CsvField field, const QString& text) const;
     qint64 readDuration(const QStringList& record, qint64 start);
@@ -57,6 +57,9 @@ private:
     const CsvPlan& m_plan;
     QString m_defaultTrack;
     CsvTimeReader m_times;
+    // Of the record before: records of a track mostly stand together.
+    QString m_lastPathText;
+    QStringList m_lastPath;
     int m_cutTimes = 0;
 };
 

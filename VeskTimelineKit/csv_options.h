@@ -38,8 +38,9 @@ enum class CsvTimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
 struct CsvOptions
 {
     /// The names of the columns, as the header line has them, that make up each field. Fields that are not here are
-    /// detected. Several columns: of Track, the levels of its path from the top; of all others, joined by blanks (a
-    /// column of dates and one of times of day make a start).
+    /// detected; an empty list says that no column is that field, so that none is looked for. Several columns: of
+    /// Track, the levels of its path from the top; of all others, joined by blanks (a column of dates and one of times
+    /// of day make a start).
     QMap<CsvField, QStringList> columns = {};
     std::optional<QChar> delimiter = {};
     std::optional<QChar> decimalPoint = {}; ///< of numbers and of fractions of seconds: '.' or ','

@@ -1,11 +1,9 @@
 #include "csv_item_reader_p.h"
 #include "kit_tr_p.h"
 #include "quoted_text_p.h"
+#include "read_file_p.h"
 
 #include <VeskTimelineKit/csv_preview.h>
-
-#include <QFile>
-#include <QFileInfo>
 
 namespace VeskTimeline::Kit {
 
@@ -35,7 +33,7 @@ Result<CsvPreview> makePreview(CsvSource& source, const QString& fileName, const
     CsvPreview preview{plan.sample.header, plan.options, plan.guesses, {}, plan.problem};
     const QString defaultTrack = csvDefaultTrack(fileName);
     const bool isReadable = plan.problem.isNull();
-    if (isReadable && !plan.columns.has(CsvField::Track))
+    if (isReadable && !plan.columns.has(CsvField::Track) && !plan.columns.isDenied(CsvField::Track))
         preview.guesses.append(
             Tr::tr("there is no column for tracks: all items are in the track %1").arg(quotedText(defaultTrack)));
     if (plan.sample.header.isEmpty())
@@ -61,8 +59,8 @@ Result<CsvPreview> previewCsv(const QString& fileName, const CsvOptions& options
 {
     if (fileName.isEmpty())
         return FileError{fileName, 0, Tr::tr("no file name")};
-    if (QFileInfo(fileName).isDir())
-        return FileError{fileName, 0, Tr::tr("is a directory")};
+    if (const QString reason = unreadableReason(fileName); !reason.isNull())
+        return FileError{fileName, 0, reason};
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return FileError{fileName, 0, file.errorString()};

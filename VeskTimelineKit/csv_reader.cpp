@@ -33,7 +33,7 @@ public:
         for (const QString& guess : m_plan.guesses)
             m_warnings.add(0, guess);
         const QString defaultTrack = csvDefaultTrack(m_fileName);
-        if (!m_plan.columns.has(CsvField::Track))
+        if (!m_plan.columns.has(CsvField::Track) && !m_plan.columns.isDenied(CsvField::Track))
             m_warnings.add(
                 0,
                 Tr::tr("there is no column for tracks: all items are in the track %1").arg(quotedText(defaultTrack)));
@@ -85,11 +85,23 @@ private:
             return;
         if (!entry->remark.isNull())
             m_warnings.add(records.recordLine(), entry->remark);
-        DocumentTrack& track = m_document.track(entry->path);
-        if (!entry->item)
+        DocumentTrack* const track = trackOf(entry->path);
+        if (!track)
+            ++m_beyondTracks;
+        if (!track || !entry->item)
             return;
         ++m_itemCount;
-        track.items.push_back(std::move(*entry->item));
+        track->items.push_back(std::move(*entry->item));
+    }
+
+    // Null where there would be too many tracks. Records of a track mostly stand together.
+    DocumentTrack* trackOf(const QStringList& path)
+    {
+        if (!m_lastTrack || path != m_lastPath) {
+            m_lastTrack = m_document.trackWithinLimit(path);
+            m_lastPath = path;
+        }
+        return m_lastTrack;
     }
 
     // A file of which nothing can be read is not what it was taken for.
@@ -110,6 +122,7 @@ private:
         addCount(Tr::tr("times that the clocks left out when they were put forward, moved by as much: %1"),
                  items.timeCounts().leftOut);
         addCount(Tr::tr("times that the clocks showed twice, the first taken: %1"), items.timeCounts().twice);
+        addCount(Tr::tr("records left out because there would be too many tracks: %1"), m_beyondTracks);
         m_warnings.addTo(m_document);
         return std::move(m_document);
     }
@@ -120,8 +133,11 @@ private:
     CsvPlan m_plan;
     WarningList m_warnings;
     Document m_document;
+    QStringList m_lastPath;
+    DocumentTrack* m_lastTrack = nullptr; // of that path; good as long as no other is made
     std::optional<FileError> m_firstFault;
     qint64 m_itemCount = 0;
+    int m_beyondTracks = 0;
     bool m_hasEncodingError = false;
 };
 

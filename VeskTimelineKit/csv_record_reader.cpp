@@ -1,8 +1,6 @@
 #include "csv_record_reader_p.h"
 #include "kit_tr_p.h"
 
-#include <QStringDecoder>
-
 #include <algorithm>
 #include <new>
 #include <utility>
@@ -14,26 +12,9 @@ namespace {
 // For the same reason as csvLongestField.
 constexpr qsizetype longestLine = 16 * 1024 * 1024;
 
-bool isUtf8(const QByteArray& text)
-{
-    if (std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; }))
-        return true;
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString decoded = decoder.decode(text);
-    Q_UNUSED(decoded)
-    return !decoder.hasError();
-}
-
 bool isBlank(const QByteArray& line)
 {
     return line.trimmed().isEmpty();
-}
-
-// Position of the first line end character at or behind a position; the text's size for none.
-qsizetype lineEnd(const QByteArray& text, qsizetype from)
-{
-    const auto isLineEnd = [](char c) { return c == '\n' || c == '\r'; };
-    return std::find_if(text.begin() + from, text.end(), isLineEnd) - text.begin();
 }
 
 } // namespace
@@ -76,16 +57,48 @@ bool CsvRecordReader::hasMore()
     if (m_position == m_block.size()) {
         m_block = m_nextBlock();
         m_position = 0;
+        m_nextLineFeed = -1;
     }
     return m_position < m_block.size();
 }
 
-// With its end. Nothing at the end of the text; of a line that is too long only the beginning.
+// Position of the next character that ends a line; the block's size for none.
+qsizetype CsvRecordReader::lineEnd()
+{
+    // Of text with other line ends, the whole block would be searched for each line again.
+    if (m_nextLineFeed < m_position) {
+        const qsizetype found = m_block.indexOf('\n', m_position);
+        m_nextLineFeed = found < 0 ? m_block.size() : found;
+    }
+    const QByteArrayView line = QByteArrayView(m_block).sliced(m_position, m_nextLineFeed - m_position);
+    const qsizetype end = line.indexOf('\r');
+    return end < 0 ? m_nextLineFeed : m_position + end;
+}
+
+// Empty where the line may go on in the next block.
+QByteArray CsvRecordReader::lineInBlock()
+{
+    const qsizetype start = m_position;
+    const qsizetype end = lineEnd();
+    const bool isLast = end + 1 >= m_block.size();
+    if (isLast && (end == m_block.size() || m_block.at(end) == '\r'))
+        return {};
+    m_position = end + 1;
+    if (m_block.at(end) == '\r' && m_block.at(m_position) == '\n')
+        ++m_position;
+    return QByteArray::fromRawData(m_block.constData() + start, m_position - start);
+}
+
+// With its end, good until the next call. Nothing at the end of the text; of a line that is too long only the
+// beginning.
 std::optional<QByteArray> CsvRecordReader::nextLine()
 {
     QByteArray line;
-    while (hasMore() && line.size() <= longestLine) {
-        const qsizetype end = lineEnd(m_block, m_position);
+    if (hasMore())
+        line = lineInBlock();
+    const bool isWhole = !line.isEmpty();
+    while (!isWhole && hasMore() && line.size() <= longestLine) {
+        const qsizetype end = lineEnd();
         if (end == m_block.size()) {
             line += m_block.mid(m_position);
             m_position = end;
@@ -109,7 +122,7 @@ bool CsvRecordReader::acceptLine(const QByteArray& line)
         return refuse(m_line, Tr::tr("binary data, not text"));
     if (line.size() > longestLine)
         return refuse(m_line, Tr::tr("the line is too long"));
-    m_hasEncodingError = !isUtf8(line);
+    m_hasEncodingError = !line.isValidUtf8();
     return !m_hasEncodingError || refuse(m_line, Tr::tr("not %1 text").arg(m_encodingName));
 }
 

@@ -49,6 +49,8 @@ private:
     static void onRecordEnd(int terminator, void* self);
 
     bool hasMore();
+    qsizetype lineEnd();
+    QByteArray lineInBlock();
     std::optional<QByteArray> nextLine();
     bool acceptLine(const QByteArray& line);
     bool parseLine(const QByteArray& line);
@@ -60,6 +62,7 @@ private:
     csv_parser m_parser;
     QByteArray m_block;
     qsizetype m_position = 0;
+    qsizetype m_nextLineFeed = -1; // in the block, at or behind the position; before it: not looked for yet
     QStringList m_fields;
     int m_line = 0;
     int m_recordLine = 0;

@@ -21,6 +21,8 @@ CsvSource::CsvSource(QIODevice& device) : m_device(device)
 
 void CsvSource::begin()
 {
+    // Files are asked by a call of the system each time.
+    m_size = m_device.size();
     m_gzip.reset();
     if (GzipReader::isGzip(m_device.peek(2)))
         m_gzip = std::make_unique<GzipReader>(m_device);
@@ -66,8 +68,7 @@ bool CsvSource::restart()
 
 double CsvSource::share() const
 {
-    const auto size = static_cast<double>(std::max<qint64>(m_device.size(), 1));
-    return std::min(1.0, static_cast<double>(m_device.pos()) / size);
+    return std::min(1.0, static_cast<double>(m_device.pos()) / static_cast<double>(std::max<qint64>(m_size, 1)));
 }
 
 } // namespace VeskTimeline::Kit

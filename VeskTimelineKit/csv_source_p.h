@@ -37,6 +37,7 @@ private:
     QByteArray read(qsizetype size);
 
     QIODevice& m_device;
+    qint64 m_size = 0;
     std::unique_ptr<GzipReader> m_gzip;
     QByteArray m_head;
     bool m_isHeadAll = false;

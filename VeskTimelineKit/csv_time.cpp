@@ -20,17 +20,32 @@ qint64 midnight(QDate date)
     return (date.toJulianDay() - julianDayOfEpoch) * msecsPerDay;
 }
 
-// Whether a pattern has no letter, outside quotes, that stands for a part of a time of day or a zone.
-bool isPatternOfDate(const QString& pattern)
+// Whether a pattern has one of the letters outside quotes, where they stand for something.
+bool hasPart(const QString& pattern, QStringView letters)
 {
     bool isQuoted = false;
     for (const QChar c : pattern) {
         if (c == u'\'')
             isQuoted = !isQuoted;
-        else if (!isQuoted && QStringView(u"hHmszaApPt").contains(c))
-            return false;
+        else if (!isQuoted && letters.contains(c))
+            return true;
     }
-    return true;
+    return false;
+}
+
+// Nothing for a text that does not match. Local time has the offset 0 from UTC.
+QDateTime dateTimeOf(const QString& text, const QString& pattern, bool hasZone)
+{
+    if (hasZone) {
+        // The abbreviations of the machine's own zone mean something else on the next machine, and those of others are
+        // taken for UTC.
+        static const QList<QByteArray> zones = QTimeZone::availableTimeZoneIds();
+        const QDateTime time = QLocale::c().toDateTime(text, pattern);
+        const bool isUnknown = time.timeSpec() == Qt::TimeZone && !zones.contains(time.timeZone().id());
+        return time.timeSpec() == Qt::LocalTime || isUnknown ? QDateTime() : time;
+    }
+    // A time without a zone would be taken for one of the machine's, which may never have been on its clocks.
+    return QLocale::c().toDateTime(QStringLiteral("+00:00 ") + text, QStringLiteral("t ") + pattern);
 }
 
 } // namespace
@@ -55,7 +70,8 @@ CsvTimeReader::CsvTimeReader(const CsvOptions& options)
       m_unit(options.timeUnit.value_or(CsvTimeUnit::Milliseconds)),
       m_order(csvDateOrder(options.dateFormat)),
       m_isCompact(options.dateFormat == QStringLiteral("yyyyMMdd")),
-      m_isDatePattern(isPatternOfDate(options.dateFormat)),
+      m_isDatePattern(!hasPart(options.dateFormat, u"hHmszaApPt")),
+      m_isZonePattern(hasPart(options.dateFormat, u"t")),
       m_zone(options.timeZone)
 {
     if (m_isCompact)
@@ -122,13 +138,10 @@ std::optional<CsvTime> CsvTimeReader::patternTime(const QString& text)
 {
     const QString trimmed = text.trimmed();
     if (!m_isDatePattern) {
-        const QDateTime time = QLocale::c().toDateTime(trimmed, m_options.dateFormat);
+        const QDateTime time = dateTimeOf(trimmed, m_options.dateFormat, m_isZonePattern);
         if (!time.isValid())
             return std::nullopt;
-        const bool hasZone = time.timeSpec() != Qt::LocalTime;
-        if (hasZone)
-            return instant(time.toMSecsSinceEpoch(), false, 0);
-        return instant(midnight(time.date()) + time.time().msecsSinceStartOfDay(), false, {});
+        return instant(time.toMSecsSinceEpoch(), false, m_isZonePattern ? std::optional<qint64>(0) : std::nullopt);
     }
     if (const QDate date = patternDate(trimmed); date.isValid())
         return momentTime({}, date);

@@ -57,6 +57,7 @@ private:
     std::optional<CsvDateOrder> m_order; ///< nothing: the pattern is for Qt to read
     bool m_isCompact = false;
     bool m_isDatePattern = false;
+    bool m_isZonePattern = false;
     QHash<QString, QDate> m_dates; // read by the pattern lately
     CsvZone m_zone;
     Counts m_counts;

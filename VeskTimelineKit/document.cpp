@@ -5,6 +5,7 @@
 #include <VeskTimelineKit/result.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace VeskTimeline::Kit {
 
@@ -36,16 +37,47 @@ std::optional<TimeSpan> Document::span() const
     return span;
 }
 
-DocumentTrack& Document::track(const QStringList& path)
+Document::Found Document::find(const QStringList& path) const
+{
+    Found found;
+    for (; found.levels < path.size(); ++found.levels) {
+        const auto next = m_positions.constFind({found.position, path.at(found.levels)});
+        if (next == m_positions.cend())
+            break;
+        found.position = *next;
+    }
+    return found;
+}
+
+DocumentTrack& Document::complete(const QStringList& path, Found found)
 {
     Q_ASSERT(!path.isEmpty());
-    if (const auto found = m_positions.constFind(path); found != m_positions.cend())
-        return m_tracks[static_cast<std::size_t>(*found)];
-    if (path.size() > 1)
-        track(path.first(path.size() - 1));
-    m_positions.insert(path, static_cast<int>(m_tracks.size()));
-    m_tracks.push_back({path, {}, {}});
-    return m_tracks.back();
+    for (; found.levels < path.size(); ++found.levels) {
+        // The text of the names above is shared with the track above, so that deep trees do not hold it many times.
+        QStringList whole =
+            found.position < 0 ? QStringList() : m_tracks[static_cast<std::size_t>(found.position)].path;
+        whole.reserve(found.levels + 1);
+        whole.append(path.at(found.levels));
+        const auto position = static_cast<int>(m_tracks.size());
+        m_positions.insert({found.position, path.at(found.levels)}, position);
+        m_tracks.push_back({std::move(whole), {}, {}});
+        found.position = position;
+    }
+    return m_tracks[static_cast<std::size_t>(found.position)];
+}
+
+DocumentTrack& Document::track(const QStringList& path)
+{
+    return complete(path, find(path));
+}
+
+DocumentTrack* Document::trackWithinLimit(const QStringList& path)
+{
+    const Found found = find(path);
+    const auto missing = static_cast<std::size_t>(path.size() - found.levels);
+    if (missing > 0 && m_tracks.size() + missing > mostTracks)
+        return nullptr;
+    return &complete(path, found);
 }
 
 QStringList Document::longItemWarnings() const

@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace VeskTimeline::Kit {
@@ -57,6 +58,10 @@ struct TimeSpan
 class VESKTIMELINEKIT_EXPORT Document
 {
 public:
+    /// Readers make no more tracks than that of one file, and say what they leave out. Each track is a row, more rows
+    /// than anybody looks through, and a short text can name a great many.
+    static constexpr std::size_t mostTracks = 100'000;
+
     const std::vector<DocumentTrack>& tracks() const { return m_tracks; }
     int itemCount() const;
     /// Nothing when there is no item.
@@ -65,6 +70,11 @@ public:
     /// The track of that path, made with all its parents when it is not there yet. Valid until the next call.
     /// @param path at least one name
     DocumentTrack& track(const QStringList& path);
+    /// As track(), but nothing is made, and null is returned, where there would be more than mostTracks tracks.
+    DocumentTrack* trackWithinLimit(const QStringList& path);
+    /// @param position in tracks()
+    DocumentTrack& trackAt(std::size_t position) { return m_tracks[position]; }
+    bool hasTrack(const QStringList& path) const { return find(path).levels == path.size(); }
 
     /// What a reader noticed and went on, in sentences for the user.
     const QStringList& warnings() const { return m_warnings; }
@@ -80,8 +90,19 @@ public:
     void addBelow(const QString& name, Document&& other);
 
 private:
+    /// The part of a path that is there.
+    struct Found
+    {
+        qsizetype levels = 0;
+        int position = -1; ///< of the lowest of them in m_tracks; -1 for none
+    };
+
+    Found find(const QStringList& path) const;
+    DocumentTrack& complete(const QStringList& path, Found found);
+
     std::vector<DocumentTrack> m_tracks;
-    QHash<QStringList, int> m_positions;
+    // By the position of the track above and the name. Whole paths as keys would be hashed once for each level.
+    QHash<std::pair<int, QString>, int> m_positions;
     QStringList m_warnings;
 };
 

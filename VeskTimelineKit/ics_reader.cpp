@@ -47,7 +47,7 @@ private:
     void addSingle(IcsEvent& event, const IcsCalendar& calendar);
     void addSeries(const IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander);
     void noteCuts(const IcsEvent& event, const IcsExpander::Cuts& cuts);
-    DocumentTrack& trackOf(const IcsEvent& event, const IcsCalendar& calendar);
+    DocumentTrack* trackOf(const IcsEvent& event, const IcsCalendar& calendar);
 
     const QString& m_fileName;
     const std::vector<std::unique_ptr<IcsCalendar>>& m_calendars;
@@ -57,6 +57,8 @@ private:
     Document m_document;
     QHash<SeriesKey, std::vector<const IcsEvent*>> m_replacements;
     std::optional<TimeSpan> m_dates;
+    int m_tracksLeftOut = 0;
+    int m_itemsLeftOut = 0;
 };
 
 Document IcsDocumentBuilder::build()
@@ -75,6 +77,10 @@ Document IcsDocumentBuilder::build()
         m_progress.report(shareOfReading + (1.0 - shareOfReading) * static_cast<double>(++done) /
                                                static_cast<double>(m_calendars.size()));
     }
+    if (m_tracksLeftOut > 0)
+        m_warnings.add(0, Tr::tr("tracks left out because there would be too many: %1").arg(m_tracksLeftOut));
+    if (m_itemsLeftOut > 0)
+        m_warnings.add(0, Tr::tr("items left out because there would be too many tracks: %1").arg(m_itemsLeftOut));
     return std::move(m_document);
 }
 
@@ -169,23 +175,27 @@ void IcsDocumentBuilder::addTracks(const IcsCalendar& calendar)
 {
     if (!calendar.hasTrack && calendar.events.empty())
         return;
-    DocumentTrack& root = m_document.track({calendar.name});
-    if (calendar.color.isValid())
-        root.color = calendar.color;
-    for (const IcsTrack& track : calendar.tracks) {
-        DocumentTrack& added = m_document.track(track.path);
-        if (track.color.isValid())
-            added.color = track.color;
-    }
+    const auto add = [this](const QStringList& path, const QColor& color) {
+        DocumentTrack* const track = m_document.trackWithinLimit(path);
+        if (!track)
+            ++m_tracksLeftOut;
+        else if (color.isValid())
+            track->color = color;
+    };
+    add({calendar.name}, calendar.color);
+    for (const IcsTrack& track : calendar.tracks)
+        add(track.path, track.color);
 }
 
-DocumentTrack& IcsDocumentBuilder::trackOf(const IcsEvent& event, const IcsCalendar& calendar)
+// Null where there would be too many tracks.
+DocumentTrack* IcsDocumentBuilder::trackOf(const IcsEvent& event, const IcsCalendar& calendar)
 {
-    if (!event.path.isEmpty())
-        return m_document.track(event.path);
-    if (event.categories.isEmpty())
-        return m_document.track({calendar.name});
-    return m_document.track({calendar.name, event.categories.first()});
+    QStringList path = event.path;
+    if (path.isEmpty())
+        path.append(calendar.name);
+    if (event.path.isEmpty() && !event.categories.isEmpty())
+        path.append(event.categories.first());
+    return m_document.trackWithinLimit(path);
 }
 
 void IcsDocumentBuilder::addEvent(IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander)
@@ -224,7 +234,10 @@ void IcsDocumentBuilder::addSingle(IcsEvent& event, const IcsCalendar& calendar)
     }
     if (event.isOpenEnded)
         item.duration = DocumentItem::openEnded;
-    trackOf(event, calendar).items.push_back(std::move(item));
+    if (DocumentTrack* const track = trackOf(event, calendar))
+        track->items.push_back(std::move(item));
+    else
+        ++m_itemsLeftOut;
 }
 
 void IcsDocumentBuilder::addSeries(const IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander)
@@ -238,13 +251,17 @@ void IcsDocumentBuilder::addSeries(const IcsEvent& event, const IcsCalendar& cal
     }
     const std::vector<IcsOccurrence> occurrences = expander.expand(event, calendar.zones, exceptions, m_progress);
     noteCuts(event, expander.cuts());
-    DocumentTrack& track = trackOf(event, calendar);
+    DocumentTrack* const track = trackOf(event, calendar);
+    if (!track) {
+        m_itemsLeftOut += static_cast<int>(occurrences.size());
+        return;
+    }
     for (const IcsOccurrence& occurrence : occurrences) {
         // What is text in it is shared by all.
         DocumentItem item = event.item;
         item.start = occurrence.start;
         item.duration = occurrence.duration;
-        track.items.push_back(std::move(item));
+        track->items.push_back(std::move(item));
     }
 }
 

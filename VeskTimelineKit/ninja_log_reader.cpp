@@ -25,7 +25,6 @@ constexpr int newestVersion = 7;
 constexpr int firstVersionWithHashes = 5;
 constexpr qint64 longestLine = 4 * 1024 * 1024;
 constexpr int mostLanes = 10'000;
-constexpr std::size_t mostTracks = 100'000;
 
 /// A step of a build; its times are in milliseconds since the build's start.
 struct BuildStep
@@ -169,7 +168,7 @@ void NinjaDocumentBuilder::addBuild(Build build, const QStringList& parent, Read
         progress.reportSometimes(0.5);
         buildEnd = std::max(buildEnd, step.end);
         const auto lane = static_cast<std::size_t>(packer.place(step.start, step.end));
-        if (lane >= mostLanes || m_document.tracks().size() + lane >= mostTracks) {
+        if (lane >= mostLanes || m_document.tracks().size() + lane >= Document::mostTracks) {
             ++m_tooMany;
         } else if (!isWithinTimeLimits(m_offset + step.end)) {
             ++m_outside;

@@ -40,7 +40,7 @@ void TraceDocumentBuilder::readRecord(JsonRecordReader& reader)
     try {
         if (!value)
             throw m_parser.errorReason();
-        addEvent(traceEventOf(*value));
+        addEvent(traceEventOf(*value, m_texts));
         ++m_events;
     } catch (const QString& reason) {
         m_lastReason = reason;
@@ -59,7 +59,10 @@ void TraceDocumentBuilder::addEvent(TraceEvent event)
     if (isOneOf(event.phase, "bneSTpF"))
         return addAsync(std::move(event));
 
-    const std::size_t group = m_layout.groupIndex(event.process, TraceGroup::Kind::Thread, event.thread);
+    const std::optional<std::size_t> found = groupOf(event, TraceGroup::Kind::Thread, event.thread);
+    if (!found)
+        return;
+    const std::size_t group = *found;
     const double time = *event.time;
     const bool isBegin = event.phase == 'B';
     if (event.phase == 'X')
@@ -68,6 +71,16 @@ void TraceDocumentBuilder::addEvent(TraceEvent event)
         addMark(QStringLiteral("thread %1").arg(group), group, isBegin, std::move(event));
     else
         addSlice(group, std::move(event), time);
+}
+
+std::optional<std::size_t> TraceDocumentBuilder::groupOf(const TraceEvent& event, TraceGroup::Kind kind,
+                                                         const QString& id)
+{
+    const std::optional<std::size_t> group = m_layout.groupIndex(event.process, kind, id);
+    // An end is no item of its own.
+    if (!group && !isOneOf(event.phase, "EeF"))
+        m_layout.leaveOutItem();
+    return group;
 }
 
 void TraceDocumentBuilder::addComplete(std::size_t group, TraceEvent event)
@@ -85,7 +98,10 @@ void TraceDocumentBuilder::addComplete(std::size_t group, TraceEvent event)
 void TraceDocumentBuilder::addAsync(TraceEvent event)
 {
     const QString category = event.attributes.value(QStringLiteral("cat"));
-    const std::size_t group = m_layout.groupIndex(event.process, TraceGroup::Kind::Async, category);
+    const std::optional<std::size_t> found = groupOf(event, TraceGroup::Kind::Async, category);
+    if (!found)
+        return;
+    const std::size_t group = *found;
     if (!isOneOf(event.phase, "beSF")) {
         const double time = *event.time;
         return addSlice(group, std::move(event), time);
@@ -114,19 +130,20 @@ void TraceDocumentBuilder::addMark(const QString& seriesKey, std::size_t group, 
 
 void TraceDocumentBuilder::addMetadata(const TraceEvent& event)
 {
-    if (event.name == u"process_name") {
-        m_layout.process(event.process).name = event.metadataName;
-    } else if (event.name == u"process_sort_index") {
-        m_layout.process(event.process).sortIndex = event.metadataIndex.value_or(0.0);
-    } else if (event.name == u"thread_name" || event.name == u"thread_sort_index") {
-        TraceGroup& group = m_layout.group(m_layout.groupIndex(event.process, TraceGroup::Kind::Thread, event.thread));
-        if (event.name == u"thread_name")
-            group.name = event.metadataName;
+    const auto describe = [&event](auto& described, bool isName) {
+        if (isName)
+            described.name = event.metadataName;
         else
-            group.sortIndex = event.metadataIndex.value_or(0.0);
-    } else {
-        leaveOut(Tr::tr("metadata %1").arg(quotedText(event.name)));
+            described.sortIndex = event.metadataIndex.value_or(0.0);
+    };
+    if (event.name == u"process_name" || event.name == u"process_sort_index") {
+        if (TraceProcess* const process = m_layout.process(event.process))
+            return describe(*process, event.name == u"process_name");
+    } else if (event.name == u"thread_name" || event.name == u"thread_sort_index") {
+        if (const auto group = m_layout.groupIndex(event.process, TraceGroup::Kind::Thread, event.thread))
+            return describe(m_layout.group(*group), event.name == u"thread_name");
     }
+    leaveOut(Tr::tr("metadata %1").arg(quotedText(event.name)));
 }
 
 void TraceDocumentBuilder::leaveOut(const QString& what)
@@ -144,6 +161,8 @@ void TraceDocumentBuilder::remarkOnLeftOut()
 
 Document TraceDocumentBuilder::takeDocument(double stretch, ReadProgress& progress)
 {
+    // From here on it is only in the way, and may be large.
+    m_seriesIndexes = {};
     for (Series& series : m_series) {
         std::vector<TraceSlice> matched = matchTraceMarks(std::move(series.marks), m_warnings, progress);
         std::vector<TraceSlice>& slices = m_layout.group(series.group).slices;

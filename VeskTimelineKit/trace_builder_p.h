@@ -33,6 +33,7 @@ private:
 
     void addEvent(TraceEvent event);
     void addMetadata(const TraceEvent& event);
+    std::optional<std::size_t> groupOf(const TraceEvent& event, TraceGroup::Kind kind, const QString& id);
     void addSlice(std::size_t group, TraceEvent event, double end);
     void addMark(const QString& seriesKey, std::size_t group, bool isBegin, TraceEvent event);
     void addComplete(std::size_t group, TraceEvent event);
@@ -41,6 +42,7 @@ private:
     void remarkOnLeftOut();
 
     JsonRecordParser m_parser;
+    SharedTexts m_texts;
     TraceLayout m_layout;
     WarningList m_remarks;
     WarningList m_warnings;

@@ -23,7 +23,7 @@ QString asyncIdOf(const TraceEvent& event, const dom::object& members)
     return QStringLiteral("global") + separator + scopeText + separator + jsonValueText(id);
 }
 
-void readArguments(TraceEvent& event, const dom::element& value)
+void readArguments(TraceEvent& event, const dom::element& value, SharedTexts& texts)
 {
     dom::object arguments;
     if (value.get(arguments) != SUCCESS) {
@@ -31,7 +31,8 @@ void readArguments(TraceEvent& event, const dom::element& value)
         return;
     }
     for (const dom::key_value_pair& argument : arguments)
-        event.attributes.insert(QStringLiteral("args.") + jsonText(argument.key), jsonValueText(argument.value));
+        event.attributes.insert(texts.shared(QStringLiteral("args.") + jsonText(argument.key)),
+                                texts.shared(jsonValueText(argument.value)));
 }
 
 void readMetadata(TraceEvent& event, const dom::object& members)
@@ -43,12 +44,12 @@ void readMetadata(TraceEvent& event, const dom::object& members)
         event.metadataIndex = jsonNumber(value);
 }
 
-void readMember(TraceEvent& event, std::string_view name, const dom::element& value)
+void readMember(TraceEvent& event, std::string_view name, const dom::element& value, SharedTexts& texts)
 {
     if (name == "ph")
         return;
     if (name == "name")
-        event.name = jsonValueText(value);
+        event.name = texts.shared(jsonValueText(value));
     else if (name == "ts")
         event.time = jsonNumber(value);
     else if (name == "dur")
@@ -58,14 +59,14 @@ void readMember(TraceEvent& event, std::string_view name, const dom::element& va
     else if (name == "tid")
         event.thread = jsonValueText(value);
     else if (name == "args")
-        readArguments(event, value);
+        readArguments(event, value, texts);
     else
-        event.attributes.insert(jsonText(name), jsonValueText(value));
+        event.attributes.insert(texts.shared(jsonText(name)), texts.shared(jsonValueText(value)));
 }
 
 } // namespace
 
-TraceEvent traceEventOf(const dom::element& value)
+TraceEvent traceEventOf(const dom::element& value, SharedTexts& texts)
 {
     dom::object members;
     if (value.get(members) != SUCCESS)
@@ -77,7 +78,7 @@ TraceEvent traceEventOf(const dom::element& value)
     TraceEvent event;
     event.phase = phase.front();
     for (const dom::key_value_pair& member : members)
-        readMember(event, member.key, member.value);
+        readMember(event, member.key, member.value, texts);
     event.asyncId = asyncIdOf(event, members);
     if (event.phase == 'M')
         readMetadata(event, members);

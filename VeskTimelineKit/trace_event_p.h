@@ -2,6 +2,8 @@
 
 // Internal to the kit; not installed.
 
+#include "shared_texts_p.h"
+
 #include <QMap>
 #include <QString>
 
@@ -26,7 +28,7 @@ struct TraceEvent
     std::optional<double> metadataIndex;
 };
 
-/// @throws QString the reason why the value is no event
-TraceEvent traceEventOf(const simdjson::dom::element& value);
+/// @param texts of the whole trace @throws QString the reason why the value is no event
+TraceEvent traceEventOf(const simdjson::dom::element& value, SharedTexts& texts);
 
 } // namespace VeskTimeline::Kit

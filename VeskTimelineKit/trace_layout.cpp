@@ -14,7 +14,6 @@ namespace {
 
 // More rows than anybody can look at; a trace that asks for them is made to fill the memory.
 constexpr int mostLanes = 10'000;
-constexpr std::size_t mostTracks = 100'000;
 
 /// Turns times of a trace into those of the axis.
 class AxisScale
@@ -46,7 +45,11 @@ private:
 class TraceTracks
 {
 public:
-    TraceTracks(AxisScale scale, ReadProgress& progress) : m_scale(scale), m_progress(progress) {}
+    /// @param leftOut so many items have not even come here for want of tracks
+    TraceTracks(AxisScale scale, ReadProgress& progress, int leftOut)
+        : m_scale(scale), m_progress(progress), m_tooMany(leftOut)
+    {
+    }
 
     void add(const QStringList& path, std::vector<TraceSlice> slices);
     Document takeDocument(WarningList& warnings);
@@ -61,7 +64,7 @@ private:
     ReadProgress& m_progress;
     Document m_document;
     int m_outside = 0;
-    int m_tooMany = 0;
+    int m_tooMany;
 };
 
 std::vector<DocumentItem> TraceTracks::itemsOf(std::vector<TraceSlice> slices)
@@ -116,12 +119,11 @@ void TraceTracks::add(const QStringList& path, std::vector<TraceSlice> slices)
 void TraceTracks::addLanes(const QStringList& path, std::vector<LaneItems> lanes)
 {
     for (std::size_t depth = 0; depth < lanes.size(); ++depth) {
-        if (m_document.tracks().size() >= mostTracks) {
-            m_tooMany += static_cast<int>(lanes[depth].size());
-            continue;
-        }
         const QStringList below = depth > 0 ? QStringList{Tr::tr("depth %1").arg(depth)} : QStringList();
-        m_document.track(path + below).items = std::move(lanes[depth]);
+        if (DocumentTrack* const track = m_document.trackWithinLimit(path + below))
+            track->items = std::move(lanes[depth]);
+        else
+            m_tooMany += static_cast<int>(lanes[depth].size());
     }
 }
 
@@ -143,25 +145,44 @@ QString titleOf(const QString& name, const QString& id, const QString& kind)
 
 } // namespace
 
-std::size_t TraceLayout::processIndex(const QString& id)
+// Each process and each group will be a track at least.
+bool TraceLayout::hasRoom() const
+{
+    return m_processes.size() + m_groups.size() < Document::mostTracks;
+}
+
+TraceProcess* TraceLayout::process(const QString& id)
+{
+    const std::optional<std::size_t> index = processIndex(id);
+    return index ? &m_processes[*index] : nullptr;
+}
+
+std::optional<std::size_t> TraceLayout::processIndex(const QString& id)
 {
     const auto found = m_processIndexes.constFind(id);
     if (found != m_processIndexes.cend())
         return *found;
+    if (!hasRoom())
+        return std::nullopt;
     m_processIndexes.insert(id, m_processes.size());
     m_processes.push_back({id, {}, 0.0});
     return m_processes.size() - 1;
 }
 
-std::size_t TraceLayout::groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id)
+std::optional<std::size_t> TraceLayout::groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id)
 {
-    const std::size_t owner = processIndex(process);
-    const QString key = QStringLiteral("%1 %2 ").arg(owner).arg(static_cast<int>(kind)) + id;
-    const auto found = m_groupIndexes.constFind(key);
-    if (found != m_groupIndexes.cend())
+    const std::optional<std::size_t> owner = processIndex(process);
+    if (!owner)
+        return std::nullopt;
+    GroupIndexes& indexes = kind == TraceGroup::Kind::Thread ? m_threadIndexes : m_asyncIndexes;
+    const std::pair key(*owner, id);
+    const auto found = indexes.constFind(key);
+    if (found != indexes.cend())
         return *found;
-    m_groupIndexes.insert(key, m_groups.size());
-    m_groups.push_back({kind, owner, id, {}, 0.0, {}});
+    if (!hasRoom())
+        return std::nullopt;
+    indexes.insert(key, m_groups.size());
+    m_groups.push_back({kind, *owner, id, {}, 0.0, {}});
     return m_groups.size() - 1;
 }
 
@@ -203,7 +224,7 @@ Document TraceLayout::takeDocument(double factor, WarningList& warnings, ReadPro
     if (origin > 0.0)
         warnings.add(0, Tr::tr("times count from the first event, which is at %1 microseconds")
                             .arg(QString::number(origin, 'f', 0)));
-    TraceTracks tracks(AxisScale(origin, factor), progress);
+    TraceTracks tracks(AxisScale(origin, factor), progress, m_leftOut);
     int unused = 0;
     for (TraceGroup* const group : groupsInOrder()) {
         unused += group->slices.empty() ? 1 : 0;

@@ -8,6 +8,9 @@
 
 #include <QHash>
 
+#include <optional>
+#include <utility>
+
 namespace VeskTimeline::Kit {
 
 /// The slices of a thread, or of the asynchronous events of one category in a process.
@@ -35,10 +38,13 @@ struct TraceProcess
 class TraceLayout
 {
 public:
-    TraceProcess& process(const QString& id) { return m_processes[processIndex(id)]; }
-    /// An index, as references do not stay valid.
-    std::size_t groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id);
+    /// Null for a new one where there would be too many tracks.
+    TraceProcess* process(const QString& id);
+    /// An index, as references do not stay valid; nothing for a new one where there would be too many tracks.
+    std::optional<std::size_t> groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id);
     TraceGroup& group(std::size_t index) { return m_groups[index]; }
+    /// Counts an item that has no group.
+    void leaveOutItem() { ++m_leftOut; }
 
     /// Empties the groups into a document.
     /// @param factor milliseconds of the axis for a microsecond of the trace
@@ -46,7 +52,11 @@ public:
     Document takeDocument(double factor, WarningList& warnings, ReadProgress& progress);
 
 private:
-    std::size_t processIndex(const QString& id);
+    /// By the process and the id in it.
+    using GroupIndexes = QHash<std::pair<std::size_t, QString>, std::size_t>;
+
+    bool hasRoom() const;
+    std::optional<std::size_t> processIndex(const QString& id);
     std::vector<TraceGroup*> groupsInOrder();
     double originOf(double factor) const;
     QStringList pathOf(const TraceGroup& group) const;
@@ -54,7 +64,9 @@ private:
     std::vector<TraceProcess> m_processes;
     std::vector<TraceGroup> m_groups;
     QHash<QString, std::size_t> m_processIndexes;
-    QHash<QString, std::size_t> m_groupIndexes;
+    GroupIndexes m_threadIndexes;
+    GroupIndexes m_asyncIndexes;
+    int m_leftOut = 0;
 };
 
 } // namespace VeskTimeline::Kit

@@ -10,8 +10,6 @@
 #include <VeskTimelineKit/vtl_reader.h>
 #include <VeskTimelineKit/warnings.h>
 
-#include <QSet>
-
 #include <algorithm>
 
 namespace VeskTimeline::Kit {
@@ -45,8 +43,8 @@ private:
     JsonRecordParser m_parser;
     Document m_document;
     WarningList m_warnings;
-    std::vector<QStringList> m_paths; // in the order that items refer to
-    QSet<QStringList> m_known;
+    std::size_t m_trackCount = 0; // of the file; the document has those that there is room for, at the same positions
+    int m_itemsLeftOut = 0;
     bool m_hasFormat = false;
     bool m_hasVersion = false;
     int m_line = 0;
@@ -121,15 +119,15 @@ void VtlDocumentBuilder::readTrack(const dom::element& value)
     QStringList path;
     for (const dom::element& name : names)
         path.append(vtlTextOf(name, "path"));
+    if (m_trackCount++ >= Document::mostTracks)
+        return;
     // Made up on the way, parents would let a short text grow into a huge tree.
-    const bool hasParent = path.size() == 1 || m_known.contains(path.first(path.size() - 1));
+    const bool hasParent = path.size() == 1 || m_document.hasTrack(path.first(path.size() - 1));
     if (!hasParent)
         throw Tr::tr("the track %1 is listed before the one above it").arg(quotedText(path.last()));
-    if (m_known.contains(path))
+    if (m_document.hasTrack(path))
         throw Tr::tr("the track %1 is there twice").arg(quotedText(path.last()));
-    m_known.insert(path);
     m_document.track(path).color = color;
-    m_paths.push_back(std::move(path));
 }
 
 void VtlDocumentBuilder::readItem(const dom::element& value)
@@ -144,7 +142,7 @@ void VtlDocumentBuilder::readItem(const dom::element& value)
     if (members["start"].get(startValue) != SUCCESS)
         throw Tr::tr("it has no start");
     const qint64 track = vtlWholeNumber(trackValue, "track");
-    if (track < 0 || track >= static_cast<qint64>(m_paths.size()))
+    if (track < 0 || track >= static_cast<qint64>(m_trackCount))
         throw Tr::tr("there is no track %1").arg(track);
 
     DocumentItem item;
@@ -155,7 +153,10 @@ void VtlDocumentBuilder::readItem(const dom::element& value)
                            Tr::tr("the member %1 of an item is left out").arg(quotedText(jsonText(member.key))));
     }
     checkTimes(item);
-    m_document.track(m_paths[static_cast<std::size_t>(track)]).items.push_back(std::move(item));
+    if (static_cast<std::size_t>(track) < m_document.tracks().size())
+        m_document.trackAt(static_cast<std::size_t>(track)).items.push_back(std::move(item));
+    else
+        ++m_itemsLeftOut;
 }
 
 void VtlDocumentBuilder::checkTimes(const DocumentItem& item)
@@ -170,6 +171,10 @@ Document VtlDocumentBuilder::takeDocument(const JsonRecordReader& reader)
         throw Tr::tr("not a VeskTimeline document: it has no format and version");
     for (const QByteArray& member : reader.skippedMembers())
         m_warnings.add(0, Tr::tr("the member %1 is left out").arg(quotedText(QString::fromUtf8(member))));
+    if (m_trackCount > Document::mostTracks)
+        m_warnings.add(0, Tr::tr("tracks left out because there would be too many: %1, with %2 items")
+                              .arg(m_trackCount - Document::mostTracks)
+                              .arg(m_itemsLeftOut));
     m_warnings.addTo(m_document);
     return std::move(m_document);
 }

@@ -1,3 +1,4 @@
+#include "kit_tr_p.h"
 #include "vtl_format_p.h"
 #include "vtl_members_p.h"
 #include "write_file_p.h"
@@ -89,7 +90,12 @@ WriteResult writeVtl(const Document& document, const QString& fileName, const Wr
 {
     return writeFile(fileName, [&](QIODevice& device) {
         write(device, document, options);
-        return QStringList();
+        QStringList warnings;
+        if (document.tracks().size() > Document::mostTracks)
+            warnings.append(Tr::tr("of %1 tracks, only the first %2 are read again")
+                                .arg(document.tracks().size())
+                                .arg(Document::mostTracks));
+        return warnings;
     });
 }
 

@@ -37,6 +37,8 @@ public:
     /// `start`: reading it tells why.
     void ask(const QString& fileName, const VeskTimeline::Kit::CsvOptions& start, Done done);
 
+    /// What the dialogs belong to.
+    QWidget* window() const { return m_window; }
     CsvImportMemory& memory() { return m_memory; }
 
 private:

@@ -270,6 +270,8 @@ void CsvImportDialog::showCount()
         count == 1 ? tr("The first record of the file.") : tr("The first %1 records of the file.").arg(count);
     if (refused > 0)
         text += u' ' + (refused == 1 ? tr("1 is not imported.") : tr("%1 are not imported.").arg(refused));
+    if (const int hidden = m_model->hiddenColumns(); hidden > 0)
+        text += u' ' + tr("Columns that are not shown here because there are too many, but imported: %1.").arg(hidden);
     m_count->setText(text);
 }
 

@@ -61,6 +61,7 @@ void CsvPreviewModel::setPreview(const CsvPreview& preview)
     for (const CsvPreviewRecord& record : preview.records)
         count = std::max(count, record.fields.size());
     m_fieldCount = static_cast<int>(std::min(count, mostFields));
+    m_hiddenCount = static_cast<int>(count) - m_fieldCount;
     endResetModel();
 }
 

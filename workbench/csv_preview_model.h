@@ -20,6 +20,8 @@ public:
 
     void setPreview(const VeskTimeline::Kit::CsvPreview& preview);
     const VeskTimeline::Kit::CsvPreview& preview() const { return m_preview; }
+    /// Of so many of the file's columns there is none here, as there are too many.
+    int hiddenColumns() const { return m_hiddenCount; }
     /// Whether nothing comes of the record of that row.
     bool isRefused(int row) const;
 
@@ -36,6 +38,7 @@ private:
 
     VeskTimeline::Kit::CsvPreview m_preview;
     int m_fieldCount = 0;
+    int m_hiddenCount = 0;
 };
 
 /// A text from a file fit for one line of a cell: line breaks and other control characters visible as symbols, and no

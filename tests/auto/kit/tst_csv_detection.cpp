@@ -1,7 +1,10 @@
 #include <VeskTimelineKit/csv_reader.h>
 
 #include <QBuffer>
+#include <QScopeGuard>
 #include <QTest>
+
+#include <ctime>
 
 using namespace VeskTimeline::Kit;
 
@@ -384,12 +387,87 @@ private Q_SLOTS:
                               "times that the clocks showed twice, the first taken: 2"}));
     }
 
+    void theZoneOfTheMachineDoesNotMatter()
+    {
+        const bool hadZone = qEnvironmentVariableIsSet("TZ");
+        const QByteArray zone = qgetenv("TZ");
+        const auto restore = qScopeGuard([&] {
+            if (hadZone)
+                qputenv("TZ", zone);
+            else
+                qunsetenv("TZ");
+            tzset();
+        });
+        for (const char* const machine : {"UTC", "Europe/Berlin", "America/New_York"}) {
+            qputenv("TZ", machine);
+            tzset();
+            const auto startOf = [](const char* pattern, const char* text) {
+                CsvOptions options;
+                options.dateFormat = pattern;
+                const auto result = read(QByteArray("start,end,label\n") + text + ",,x\n", options);
+                return result ? iso(result.value().tracks().front().items.front().start) : result.error().text();
+            };
+            QCOMPARE(startOf("yyyy-MM-dd HH:mm", "2015-03-29 02:30"), "2015-03-29T02:30:00.000Z");
+            QCOMPARE(startOf("hh:mm ap d.M.yyyy", "02:30 am 8.3.2015"), "2015-03-08T02:30:00.000Z");
+            QCOMPARE(startOf("d.M.yyyy 'at' HH:mm:ss.zzz", "29.3.2015 at 02:30:15.250"), "2015-03-29T02:30:15.250Z");
+            QCOMPARE(startOf("d.M.yyyy", "29.3.2015 02:30"), "2015-03-29T02:30:00.000Z");
+            QCOMPARE(startOf("yyyyMMddHHmm t", "201503290230 +02:00"), "2015-03-29T00:30:00.000Z");
+            QCOMPARE(startOf("yyyyMMddHHmm t", "201507010230 Asia/Tokyo"), "2015-06-30T17:30:00.000Z");
+            QCOMPARE(startOf("yyyyMMddHHmm t", "201503290230 UTC"), "2015-03-29T02:30:00.000Z");
+            // Of abbreviations only the machine's own would be known.
+            QCOMPARE(startOf("yyyyMMddHHmm t", "201507010230 CEST"),
+                     "f.csv:2: bad start \"201507010230 CEST\": not a time as yyyyMMddHHmm t");
+        }
+    }
+
     void anUnknownZoneRefusesTheFile()
     {
         CsvOptions options;
         options.timeZone = "Europe/Nowhere";
         QCOMPARE(itemTexts(read("start,end\n1,2\n", options)),
                  QStringList{"f.csv: there is no time zone \"Europe/Nowhere\""});
+    }
+
+    void aFieldOfWhichNoneIsSaidIsNotLookedFor_data()
+    {
+        QTest::addColumn<CsvField>("field");
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QString>("item");
+        const auto row = [](const char* name, CsvField field, const char* header, const char* item) {
+            QTest::newRow(name) << field << QByteArray(header) << QString(item);
+        };
+        row("own end", CsvField::End, "track,label,start,end", "T: L 0+0 end=1");
+        row("own duration", CsvField::Duration, "track,label,start,duration", "T: L 0+0 duration=1");
+        row("own label", CsvField::Label, "track,label,start,end", "T:  0+1 label=L");
+        row("own track", CsvField::Track, "track,label,start,end", "f: L 0+1 track=T");
+        row("end", CsvField::End, "group,name,begin,finish", "T: L 0+0 finish=1");
+        row("label", CsvField::Label, "group,name,begin,finish", "T:  0+1 name=L");
+        row("label by content", CsvField::Label, "group,alpha,begin,finish", "T:  0+1 alpha=L");
+        row("track", CsvField::Track, "group,name,begin,finish", "f: L 0+1 group=T");
+    }
+    void aFieldOfWhichNoneIsSaidIsNotLookedFor()
+    {
+        QFETCH(CsvField, field);
+        QFETCH(QByteArray, header);
+        QFETCH(QString, item);
+        CsvOptions options;
+        options.timeUnit = CsvTimeUnit::Milliseconds;
+        options.columns = {{field, {}}};
+        const auto result = read(header + "\nT,L,0,1\n", options);
+        QCOMPARE(itemTexts(result), QStringList{item});
+        // What is said is no guess; but that there is no end either is one.
+        QCOMPARE(warnings(result).filter("there is no column").size(), field == CsvField::Duration ? 1 : 0);
+        QCOMPARE(warnings(result).filter(csvFieldName(field) + " is taken"), QStringList());
+    }
+
+    void withoutAStartThereIsNothingToRead()
+    {
+        CsvOptions options;
+        options.columns = {{CsvField::Start, {}}};
+        for (const char* const header : {"label,start,end", "name,begin,finish", "alpha,beta,gamma"})
+            QVERIFY(itemTexts(read(QByteArray(header) + "\nx,2020-01-01,2020-01-02\n", options))
+                        .value(0)
+                        .startsWith("f.csv:1: column \"start\" is missing"));
     }
 
     void columnsThatAreSaidAreTaken()

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace VeskTimeline::Kit;
 
 class TestCsvPreview : public QObject
@@ -104,6 +106,29 @@ private Q_SLOTS:
             QCOMPARE(said.records[i].item->label, found.records[i].item->label);
             QCOMPARE(said.records[i].item->attributes, found.records[i].item->attributes);
         }
+    }
+
+    void fieldsOfWhichNoneIsSaidStayWithoutOne()
+    {
+        CsvOptions options;
+        options.columns = {{CsvField::End, {}}, {CsvField::Track, {}}};
+        const CsvPreview preview = previewCsv(write("track,label,start,end\nT,x,1,2\n"), options).value();
+        QCOMPARE(preview.problem, QString());
+        QCOMPARE(preview.guesses, QStringList());
+        QCOMPARE(preview.options.columns, (QMap<CsvField, QStringList>{{CsvField::Track, {}},
+                                                                       {CsvField::Label, {"label"}},
+                                                                       {CsvField::Start, {"start"}},
+                                                                       {CsvField::End, {}}}));
+        QCOMPARE(preview.records.at(0).item->duration, 0);
+        QCOMPARE(preview.records.at(0).trackPath, QStringList{"f"});
+        QCOMPARE(preview.records.at(0).item->attributes, (QMap<QString, QString>{{"end", "2"}, {"track", "T"}}));
+    }
+
+    void aPipeIsNotWaitedFor()
+    {
+        const QString pipe = m_dir->filePath("pipe.csv");
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QCOMPARE(previewCsv(pipe).error().text(), pipe + ": is not a regular file");
     }
 
     void noMoreIsShownThanAskedFor()

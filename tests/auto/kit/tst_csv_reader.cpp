@@ -41,6 +41,20 @@ class TestCsvReader : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(".?")); }
 
+    void tracksBeyondTheLimitAreLeftOut()
+    {
+        QByteArray text = header;
+        for (int i = 0; i < 1010; ++i)
+            text += QByteArray("t" + QByteArray::number(i) + "/").repeated(99) + "z,a,1,2\n";
+        text += QByteArray("t0/").repeated(99) + "z,b,1,2\n";
+        const auto result = read(text);
+        QVERIFY(result);
+        QCOMPARE(result.value().tracks().size(), Document::mostTracks);
+        QCOMPARE(result.value().itemCount(), 1001);
+        QCOMPARE(result.value().warnings(),
+                 QStringList{"f.csv: records left out because there would be too many tracks: 10"});
+    }
+
     void recordsBecomeItemsOfTheirTracks()
     {
         const auto result = read(header + "A,one,1000,3000\nB/C,two,1970-01-01T00:00:02Z,1970-01-01T01:00:03+01:00\n"

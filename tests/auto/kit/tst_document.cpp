@@ -56,6 +56,51 @@ private Q_SLOTS:
         QCOMPARE(document.track({"A", "B"}).items.size(), std::size_t(2));
     }
 
+    void namesAreTheSameOnlyBelowTheSameTrack()
+    {
+        Document document;
+        document.track({"A", "B", "A"});
+        document.track({"B", "A"});
+        document.track({"A", "B", "A"});
+        QCOMPARE(paths(document), (QStringList{"A", "A>B", "A>B>A", "B", "B>A"}));
+        QVERIFY(document.hasTrack({"B", "A"}));
+        QVERIFY(!document.hasTrack({"B", "B"}));
+        QVERIFY(!document.hasTrack({"A", "B", "A", "A"}));
+        QCOMPARE(&document.trackAt(4), &document.track({"B", "A"}));
+    }
+
+    void namesAreHeldOnceHoweverDeepTheTreeIs()
+    {
+        Document document;
+        QStringList path;
+        for (int depth = 0; depth < 100; ++depth) {
+            path.append(QString("level %1").arg(depth));
+            QStringList ownText;
+            for (const QString& name : path)
+                ownText.append(QString(name.constData(), name.size()));
+            document.track(ownText);
+        }
+        const auto& tracks = document.tracks();
+        QCOMPARE(tracks.size(), std::size_t(100));
+        for (std::size_t i = 1; i < tracks.size(); ++i) {
+            QCOMPARE(tracks[i].path.size(), static_cast<qsizetype>(i + 1));
+            QCOMPARE(tracks[i].path.first().constData(), tracks[0].path.first().constData());
+        }
+    }
+
+    void noMoreTracksAreMadeThanTheLimitAllows()
+    {
+        Document document;
+        for (std::size_t i = 0; i + 2 < Document::mostTracks; ++i)
+            QVERIFY(document.trackWithinLimit({QString::number(i)}));
+        QVERIFY(!document.trackWithinLimit({"A", "B", "C"}));
+        QVERIFY(!document.hasTrack({"A"}));
+        QVERIFY(document.trackWithinLimit({"A", "B"}));
+        QCOMPARE(document.tracks().size(), Document::mostTracks);
+        QVERIFY(!document.trackWithinLimit({"A", "C"}));
+        QCOMPARE(document.trackWithinLimit({"A", "B"}), &document.trackAt(Document::mostTracks - 1));
+    }
+
     void theSpanGoesFromTheEarliestStartToTheLatestEnd()
     {
         Document document;

@@ -103,6 +103,20 @@ class TestIcsReader : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void eventsOfTooManyCategoriesAreLeftOut()
+    {
+        QByteArrayList lines;
+        for (int i = 0; i < 100'004; ++i)
+            lines += vevent({"CATEGORIES:c" + QByteArray::number(i), "DTSTART:20200101T000000Z"});
+        lines += vevent({"CATEGORIES:c100003", "DTSTART:20200101T000000Z", "RRULE:FREQ=DAILY;COUNT=3"});
+        const auto result = read(lines);
+        QVERIFY(result);
+        QCOMPARE(result.value().tracks().size(), Document::mostTracks);
+        QCOMPARE(result.value().itemCount(), 99'999);
+        QCOMPARE(result.value().warnings(),
+                 QStringList{"f.ics: items left out because there would be too many tracks: 8"});
+    }
+
     void init() { QTest::failOnWarning(QRegularExpression(".?")); }
 
     void eventsBecomeItemsOfTheCalendarsTrack()

@@ -388,6 +388,41 @@ private Q_SLOTS:
         QCOMPARE(result.value().warnings().last(), "f: further warnings: 400");
     }
 
+    void textsThatComeAgainAreHeldOnce()
+    {
+        const QByteArray more = ",\"dur\":1,\"cat\":\"category\",\"args\":{\"argument\":\"value\"}";
+        const Result<Document> result =
+            read("[" + traceEvent("X", "1", "a name", more) + "," + traceEvent("X", "5", "a name", more) + "]");
+        QVERIFY(result);
+        const std::vector<DocumentItem>& items = result.value().tracks().back().items;
+        QCOMPARE(items.size(), std::size_t(2));
+        QCOMPARE(items[0].label.constData(), items[1].label.constData());
+        QCOMPARE(items[0].attributes, items[1].attributes);
+        QCOMPARE(items[0].attributes.size(), 2);
+        for (auto a = items[0].attributes.cbegin(), b = items[1].attributes.cbegin(); b != items[1].attributes.cend();
+             ++a, ++b) {
+            QCOMPARE(a.key().constData(), b.key().constData());
+            QCOMPARE(a.value().constData(), b.value().constData());
+        }
+    }
+
+    void itemsOfTooManyProcessesAreLeftOut()
+    {
+        QByteArray text = "[";
+        for (int i = 0; i < 50'010; ++i)
+            text += "{\"ph\":\"i\",\"ts\":1,\"pid\":" + QByteArray::number(i) + "},";
+        text += "{\"ph\":\"E\",\"ts\":1,\"pid\":\"x\"},";
+        text += "{\"ph\":\"M\",\"name\":\"process_name\",\"pid\":\"x\",\"args\":{\"name\":\"x\"}},";
+        text += "{\"ph\":\"M\",\"name\":\"process_name\",\"pid\":0,\"args\":{\"name\":\"first\"}}";
+        const Result<Document> result = read(text);
+        QVERIFY(result);
+        QCOMPARE(result.value().tracks().size(), Document::mostTracks);
+        QCOMPARE(result.value().tracks().front().path, QStringList{"first (0)"});
+        QCOMPARE(result.value().itemCount(), 50'000);
+        QVERIFY(result.value().warnings().contains("f: items left out because there would be too many tracks: 10"));
+        QVERIFY(result.value().warnings().contains("f: left out: metadata \"process_name\", 1 times"));
+    }
+
     void tooManyDepthsAreLeftOut()
     {
         QByteArray text = "[";

@@ -330,6 +330,8 @@ private Q_SLOTS:
         row("output without format", {"--convert", "x", sample}, "no format to write has the suffix of \"x\"");
         row("output of unknown format", {"--convert", "x.doc", sample},
             "no format to write has the suffix of \"x.doc\"");
+        row("packed output", {"--convert", "x.csv.gz", sample},
+            "packed files can only be read: leave out the .gz of \"x.csv.gz\"");
         row("picture of another kind", {"--screenshot", "x.jpg"},
             "the name of a picture ends in .png, not so \"x.jpg\"");
         row("stretch is no number", {"--info", "--stretch", "x", sample}, "times cannot be stretched by \"x\"");

@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QMessageBox>
 #include <QMutex>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -19,6 +22,7 @@
 #include <QWaitCondition>
 
 #include <workbench/csv_column_header.h>
+#include <workbench/csv_forget_imports.h>
 #include <workbench/csv_import_assistant.h>
 #include <workbench/csv_import_dialog.h>
 #include <workbench/csv_options_form.h>
@@ -705,7 +709,102 @@ private Q_SLOTS:
         QVERIFY(model->index(1, 0).data(Qt::BackgroundRole).isValid());
     }
 
+    void whatIsNoFieldForTheUserIsNoneForTheKit()
+    {
+        CsvImportDialog dialog(write("track,label,start,end\nHall,Talk,1,2\n"), {});
+        dialog.open();
+        QTRY_VERIFY(isReady(dialog));
+        const auto* const model = child<QTableView>(dialog, "csvRead")->model();
+        const auto text = [model](int column) { return model->index(0, column).data().toString(); };
+        QCOMPARE(text(CsvPreviewModel::End), "1970-01-01T00:00:00.002Z");
+        choose(use(dialog, 3), "Attribute");
+        QTRY_COMPARE(text(CsvPreviewModel::End), "1970-01-01T00:00:00.001Z");
+        choose(use(dialog, 1), "Attribute");
+        QTRY_COMPARE(text(CsvPreviewModel::Label), QString());
+        choose(use(dialog, 0), "Attribute");
+        QTRY_COMPARE(text(CsvPreviewModel::Track), "real");
+        QTRY_VERIFY(isReady(dialog));
+        QCOMPARE(child<QPlainTextEdit>(dialog, "csvGuesses")->toPlainText(), "Nothing.");
+        choose(use(dialog, 2), "Attribute");
+        QTRY_VERIFY(child<QLabel>(dialog, "csvReason")->text().startsWith("column \"start\" is missing"));
+        QVERIFY(!isReady(dialog));
+        for (int column = 0; column < 4; ++column)
+            choose(use(dialog, column), "Detect");
+        QTRY_VERIFY(isReady(dialog));
+        QVERIFY(dialog.options() == CsvOptions());
+        QCOMPARE(text(CsvPreviewModel::Track), "Hall");
+    }
+
+    void columnsThatAreTooManyToShowAreCounted()
+    {
+        CsvImportDialog few(write("start,end" + QByteArray(",x").repeated(198) + "\n1,2\n"), {});
+        few.open();
+        QTRY_VERIFY(isReady(few));
+        QCOMPARE(child<QLabel>(few, "csvCount")->text(), "The first record of the file.");
+        CsvImportDialog many(write("start,end" + QByteArray(",x").repeated(210) + "\n1,2\n"), {});
+        many.open();
+        QTRY_VERIFY(isReady(many));
+        QCOMPARE(child<QLabel>(many, "csvCount")->text(),
+                 "The first record of the file. Columns that are not shown here because there are too many, but "
+                 "imported: 12.");
+    }
+
+    void allImportsAreForgottenWhenTheUserSaysSoTwice()
+    {
+        QMainWindow window;
+        auto* const assistant = makeAssistant(window);
+        QMenu* const menu = window.menuBar()->addMenu("File");
+        QAction* const action = Workbench::addForgetImportsAction(menu, assistant);
+        QVERIFY(menu->actions().contains(action));
+        QVERIFY(!action->isEnabled());
+        assistant->memory().remember(header, {});
+        assistant->memory().remember({"a", "b"}, {});
+        Q_EMIT menu->aboutToShow();
+        QVERIFY(action->isEnabled());
+
+        action->trigger();
+        auto* box = child<QMessageBox>(window, "forgetImports");
+        QVERIFY(box->isModal());
+        QCOMPARE(box->text(), "Forget how CSV files with 2 kinds of headers are imported?");
+        QTest::keyClick(box, Qt::Key_Escape);
+        QTRY_VERIFY(!window.findChild<QMessageBox*>());
+        QCOMPARE(assistant->memory().count(), 2);
+
+        // Return is for who did not read it.
+        action->trigger();
+        QTest::keyClick(child<QMessageBox>(window, "forgetImports"), Qt::Key_Return);
+        QTRY_VERIFY(!window.findChild<QMessageBox*>());
+        QCOMPARE(assistant->memory().count(), 2);
+
+        action->trigger();
+        box = child<QMessageBox>(window, "forgetImports");
+        QTest::mouseClick(child<QPushButton>(*box, "forget"), Qt::LeftButton);
+        QTRY_VERIFY(!window.findChild<QMessageBox*>());
+        QCOMPARE(assistant->memory().count(), 0);
+        Q_EMIT menu->aboutToShow();
+        QVERIFY(!action->isEnabled());
+    }
+
+    void theActionThatForgetsGoesWithTheAssistant()
+    {
+        QMainWindow window;
+        auto* const assistant = makeAssistant(window);
+        QMenu* const menu = window.menuBar()->addMenu("File");
+        Workbench::addForgetImportsAction(menu, assistant);
+        delete assistant;
+        QVERIFY(menu->isEmpty());
+        Q_EMIT menu->aboutToShow();
+    }
+
 private:
+    QString write(const QByteArray& text)
+    {
+        QFile file(m_dir.filePath("real.csv"));
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+            qFatal("cannot write %s", qPrintable(file.fileName()));
+        return file.fileName();
+    }
+
     std::unique_ptr<CsvImportDialog> open(const CsvOptions& start = {})
     {
         auto dialog = std::make_unique<CsvImportDialog>("f.csv", start, m_fake.function());
