@@ -42,9 +42,9 @@ bool CsvRecordReader::refuse(int line, const QString& reason)
 void CsvRecordReader::onField(void* text, std::size_t size, void* self)
 {
     auto* const reader = static_cast<CsvRecordReader*>(self);
-    const QString field = QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size));
+    QString field = QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size));
     reader->m_hasLongField = reader->m_hasLongField || field.size() > csvLongestField;
-    reader->m_fields.append(field);
+    reader->m_fields.append(std::move(field));
 }
 
 void CsvRecordReader::onRecordEnd(int /*terminator*/, void* self)

@@ -186,15 +186,37 @@ bool JsonRecordReader::readValue(QByteArray* target)
 
 bool JsonRecordReader::readString(QByteArray* target)
 {
-    bool isEscaped = true; // the quote that opens the string does not close it
-    for (int c = peek(); c != endOfText; c = peek()) {
-        append(target, static_cast<char>(c));
-        take();
-        if (c == '"' && !isEscaped)
+    takeRun(target, 1); // the quote that opens the string
+    while (peek() != endOfText) {
+        // Most of a record is within strings: they are taken in runs.
+        const char* const begin = m_chunk.constData() + m_position;
+        const char* const end = m_chunk.constData() + m_chunk.size();
+        const char* at = begin;
+        while (at != end && *at != '"' && *at != '\\')
+            ++at;
+        takeRun(target, at - begin);
+        const int c = peek();
+        if (c != '"' && c != '\\')
+            continue;
+        takeRun(target, 1);
+        if (c == '"')
             return true;
-        isEscaped = c == '\\' && !isEscaped;
+        if (peek() != endOfText)
+            takeRun(target, 1); // what is escaped
     }
     return false;
+}
+
+// @param size within the chunk
+void JsonRecordReader::takeRun(QByteArray* target, qsizetype size)
+{
+    const char* const begin = m_chunk.constData() + m_position;
+    if (target && target->size() + size > largestRecord)
+        refuse(Tr::tr("a record is longer than %1 bytes").arg(largestRecord));
+    if (target)
+        target->append(begin, size);
+    m_line += static_cast<int>(std::count(begin, begin + size, '\n'));
+    m_position += size;
 }
 
 void JsonRecordReader::readScalar(QByteArray* target)

@@ -69,6 +69,7 @@ private:
     bool readRecord();
     bool readValue(QByteArray* target);
     bool readString(QByteArray* target);
+    void takeRun(QByteArray* target, qsizetype size);
     void readScalar(QByteArray* target);
     void append(QByteArray* target, char c);
     void end(Ending ending);

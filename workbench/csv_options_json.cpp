@@ -116,7 +116,8 @@ QStringList Reader::list(const QJsonValue& value)
 {
     m_isOk = m_isOk && value.isArray();
     QStringList texts;
-    for (const QJsonValue& text : value.toArray()) {
+    const QJsonArray array = value.toArray();
+    for (const auto& text : array) {
         m_isOk = m_isOk && text.isString();
         texts.append(text.toString());
     }

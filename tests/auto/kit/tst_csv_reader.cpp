@@ -41,6 +41,46 @@ class TestCsvReader : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(".?")); }
 
+    void linesMayEndAnywhere_data()
+    {
+        QTest::addColumn<QByteArray>("end");
+        QTest::newRow("line feeds") << QByteArray("\n");
+        QTest::newRow("carriage returns") << QByteArray("\r");
+        QTest::newRow("both") << QByteArray("\r\n");
+        QTest::newRow("mixed") << QByteArray();
+    }
+    // A file is read block by block; here the first block ends around the end of a line.
+    void linesMayEndAnywhere()
+    {
+        QFETCH(QByteArray, end);
+        constexpr qsizetype firstBlock = 256 * 1024;
+        constexpr int count = 600;
+        const QByteArray label(1000, 'x');
+        const QByteArrayList ends = end.isEmpty() ? QByteArrayList{"\n", "\r\n", "\r", "\r\n"} : QByteArrayList{end};
+        QByteArray records;
+        QList<qsizetype> positions;
+        for (int i = 0; i < count; ++i) {
+            records += "A," + label + ",1,2,n" + ends.at(i % ends.size());
+            positions.append(records.size());
+        }
+        for (int line = 250; line < 250 + ends.size(); ++line) {
+            for (int distance = -3; distance <= 3; ++distance) {
+                const QByteArray head = "track,label,start,end,note";
+                const qsizetype more = firstBlock + distance - positions.at(line) - head.size() - 1;
+                const QByteArray text = head + QByteArray(more, 'e') + "\n" + records;
+                const auto result = read(text);
+                QVERIFY(result);
+                QCOMPARE(result.value().itemCount(), count);
+                const auto& items = result.value().tracks().front().items;
+                QVERIFY(std::all_of(items.begin(), items.end(), [&label](const DocumentItem& item) {
+                    return item.label == QLatin1String(label) && item.attributes.first() == u"n";
+                }));
+                QCOMPARE(itemTexts(read(text + "A,abcd,x,2")).value(0).left(30),
+                         QString("f.csv:%1: bad start \"x\": neither").arg(count + 2).left(30));
+            }
+        }
+    }
+
     void tracksBeyondTheLimitAreLeftOut()
     {
         QByteArray text = header;
