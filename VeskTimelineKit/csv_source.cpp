@@ -10,8 +10,7 @@ namespace VeskTimeline::Kit {
 namespace {
 
 constexpr qsizetype headSize = 256 * 1024;
-// Less than what makes the C library tidy up all of its memory when it is freed.
-constexpr qsizetype blockSize = 32 * 1024;
+constexpr qsizetype blockSize = 64 * 1024;
 
 } // namespace
 
