@@ -18,7 +18,8 @@ using namespace simdjson;
 
 namespace {
 
-constexpr qsizetype deepestPath = 100;
+// Deeper than what other formats may have: such a document may come below a track of another, more than once.
+constexpr qsizetype deepestPath = 1000;
 
 /// Makes a document of records. The operations throw the reason, a QString, to refuse the text.
 class VtlDocumentBuilder
@@ -44,7 +45,6 @@ private:
     Document m_document;
     WarningList m_warnings;
     std::size_t m_trackCount = 0; // of the file; the document has those that there is room for, at the same positions
-    int m_itemsLeftOut = 0;
     bool m_hasFormat = false;
     bool m_hasVersion = false;
     int m_line = 0;
@@ -119,8 +119,7 @@ void VtlDocumentBuilder::readTrack(const dom::element& value)
     QStringList path;
     for (const dom::element& name : names)
         path.append(vtlTextOf(name, "path"));
-    if (m_trackCount++ >= Document::mostTracks)
-        return;
+    ++m_trackCount;
     // Made up on the way, parents would let a short text grow into a huge tree.
     const bool hasParent = path.size() == 1 || m_document.hasTrack(path.first(path.size() - 1));
     if (!hasParent)
@@ -153,10 +152,7 @@ void VtlDocumentBuilder::readItem(const dom::element& value)
                            Tr::tr("the member %1 of an item is left out").arg(quotedText(jsonText(member.key))));
     }
     checkTimes(item);
-    if (static_cast<std::size_t>(track) < m_document.tracks().size())
-        m_document.trackAt(static_cast<std::size_t>(track)).items.push_back(std::move(item));
-    else
-        ++m_itemsLeftOut;
+    m_document.trackAt(static_cast<std::size_t>(track)).items.push_back(std::move(item));
 }
 
 void VtlDocumentBuilder::checkTimes(const DocumentItem& item)
@@ -171,10 +167,6 @@ Document VtlDocumentBuilder::takeDocument(const JsonRecordReader& reader)
         throw Tr::tr("not a VeskTimeline document: it has no format and version");
     for (const QByteArray& member : reader.skippedMembers())
         m_warnings.add(0, Tr::tr("the member %1 is left out").arg(quotedText(QString::fromUtf8(member))));
-    if (m_trackCount > Document::mostTracks)
-        m_warnings.add(0, Tr::tr("tracks left out because there would be too many: %1, with %2 items")
-                              .arg(m_trackCount - Document::mostTracks)
-                              .arg(m_itemsLeftOut));
     m_warnings.addTo(m_document);
     return std::move(m_document);
 }

@@ -90,12 +90,7 @@ WriteResult writeVtl(const Document& document, const QString& fileName, const Wr
 {
     return writeFile(fileName, [&](QIODevice& device) {
         write(device, document, options);
-        QStringList warnings;
-        if (document.tracks().size() > Document::mostTracks)
-            warnings.append(Tr::tr("of %1 tracks, only the first %2 are read again")
-                                .arg(document.tracks().size())
-                                .arg(Document::mostTracks));
-        return warnings;
+        return QStringList();
     });
 }
 
