@@ -10,6 +10,7 @@
 #include <VeskTimelineKit/warnings.h>
 
 #include <QIODevice>
+#include <QSet>
 
 #include <algorithm>
 #include <optional>
@@ -60,6 +61,7 @@ private:
     int m_version = 0;
     std::vector<Build> m_builds;
     qint64 m_lastEnd = 0;
+    QSet<QString> m_outputsOfBuild; // the one being read
     qint64 m_offset = 0;
     int m_tooMany = 0;
     int m_outside = 0;
@@ -88,7 +90,10 @@ void NinjaDocumentBuilder::readFirstLine(const QByteArray& line)
 
 BuildStep NinjaDocumentBuilder::stepOf(const QByteArray& line) const
 {
-    const QList<QByteArray> fields = line.split('\t');
+    QList<QByteArray> fields = line.split('\t');
+    // A command may hold tabs; a hash does not.
+    if (m_version < firstVersionWithHashes && fields.size() > 5)
+        fields = fields.mid(0, 4) << fields.mid(4).join('\t');
     if (fields.size() != 5)
         throw Tr::tr("it has %1 fields instead of 5").arg(fields.size());
     BuildStep step;
@@ -116,9 +121,13 @@ void NinjaDocumentBuilder::readLine(const QByteArray& line, int number)
         BuildStep step = stepOf(line);
         if (step.outputs.first().contains(QChar::ReplacementCharacter))
             m_warnings.add(number, Tr::tr("bytes that are not UTF-8 are replaced"));
-        if (m_builds.empty() || step.end < m_lastEnd)
+        // Steps are logged as they end, and a build makes each output once.
+        if (m_builds.empty() || step.end < m_lastEnd || m_outputsOfBuild.contains(step.outputs.first())) {
             m_builds.emplace_back();
+            m_outputsOfBuild.clear();
+        }
         m_lastEnd = step.end;
+        m_outputsOfBuild.insert(step.outputs.first());
         m_builds.back().push_back(std::move(step));
     } catch (const QString& reason) {
         m_warnings.add(number, Tr::tr("the line is left out: %1").arg(reason));

@@ -71,6 +71,21 @@ private Q_SLOTS:
         QCOMPARE(result.value().tracks()[0].items[0].attributes.value("command"), "cc -c a.c");
     }
 
+    void aCommandMayHoldTabs()
+    {
+        const Result<Document> result = read("# ninja log v4\n0\t10\t77\ta.o\tprintf 'a\tb\tc'\n");
+        QVERIFY(result);
+        QVERIFY(result.value().warnings().isEmpty());
+        QCOMPARE(result.value().tracks()[0].items[0].attributes.value("command"), "printf 'a\tb\tc'");
+    }
+
+    void anOutputMadeAgainBeginsABuild()
+    {
+        compare("# ninja log v5\n0\t10\t1\ta\t1\n0\t30\t1\ta\t1\n30\t40\t1\tb\t2\n",
+                "build 1 | build 1/lane 1: a 0+10 | build 2 | build 2/lane 1: a 10+30, b 40+10",
+                {"f: the log is of 2 builds, which are shown one after the other"});
+    }
+
     void buildsFollowEachOtherOnTracksOfTheirOwn()
     {
         compare("# ninja log v5\n0\t10\t1\ta\t1\n5\t30\t1\tb\t2\n0\t7\t1\ta\t1\n2\t8\t1\tc\t3\n",
