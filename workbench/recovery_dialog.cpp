@@ -58,7 +58,9 @@ RecoveryDialog::RecoveryDialog(const std::vector<OrphanedJournal>& journals, QWi
     connect(m_discard, &QPushButton::clicked, this, &RecoveryDialog::askToDiscard);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_list, &QTreeWidget::itemSelectionChanged, this, &RecoveryDialog::updateButtons);
-    connect(m_list, &QTreeWidget::itemActivated, m_recover, &QPushButton::click);
+    // Return in the list goes on to the default button. Recovering at once would disable the list, with that make
+    // "Later" the default, and so let the same key press give up what it began.
+    connect(m_list, &QTreeWidget::itemActivated, m_recover, &QPushButton::click, Qt::QueuedConnection);
     resize(startSize);
     updateButtons();
 }

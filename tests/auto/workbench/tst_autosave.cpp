@@ -220,6 +220,23 @@ private Q_SLOTS:
         QTRY_COMPARE(filesIn(*m_folder).filter("base"), QStringList());
     }
 
+    void returnInTheListRecovers()
+    {
+        const QByteArray left = leave("recovered", {"/x/plan.csv"});
+        MainWindow window;
+        window.show();
+        window.startAutosave(path());
+        QTRY_VERIFY(window.autosave()->dialog());
+        auto* const list = child<QTreeWidget>(window.autosave()->dialog(), "journals");
+        list->window()->activateWindow();
+        list->setFocus();
+        QTRY_VERIFY(list->hasFocus());
+        QSignalSpy recovered(window.autosave(), &Autosave::documentRecovered);
+        QTest::keyClick(list, Qt::Key_Return);
+        QVERIFY(recovered.wait());
+        QCOMPARE(vtlText(window.model()->document()), left);
+    }
+
     void copyItemsComeBack()
     {
         {
