@@ -151,7 +151,9 @@ void Navigation::announce()
 
 void Navigation::grow()
 {
-    extendReach(overviewSpan());
+    // Deleting everything may be undone: reaching from a day long ago to today would leave the scroll bar useless then.
+    if (documentSpan())
+        extendReach(overviewSpan());
     placeWindow(view()->currentTime());
     Q_EMIT documentSpanChanged();
 }

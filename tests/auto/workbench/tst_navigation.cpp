@@ -5,7 +5,6 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QUndoStack>
-#include <QWheelEvent>
 
 #include <limits>
 #include <workbench/window_scroll_bar.h>
@@ -381,6 +380,23 @@ private Q_SLOTS:
         QCOMPARE(f.navigation->window().start, 0);
         f.navigation->scrollTo(tenYears);
         QCOMPARE(f.navigation->window().end, tenYears + hour);
+    }
+
+    void deletingEverythingAndUndoingItLeavesTheReach()
+    {
+        NavigationFixture f;
+        f.add("A", "x", 0, 10 * day);
+        f.navigation->fit();
+        f.settle();
+        QSignalSpy reach(f.navigation.get(), &Navigation::reachChanged);
+        f.model.removeItems(f.model.itemIds());
+        f.settle();
+        QVERIFY(!f.navigation->documentSpan());
+        f.model.undoStack()->undo();
+        f.settle();
+        QCOMPARE(f.navigation->documentSpan()->end, 10 * day);
+        QCOMPARE(f.navigation->reach().end, 10 * day);
+        QCOMPARE(reach.count(), 0);
     }
 
     void theWindowIsAnnouncedWhenItChangesAndOnlyThen()
