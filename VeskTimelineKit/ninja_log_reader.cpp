@@ -13,6 +13,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <tuple>
 
@@ -54,6 +55,7 @@ private:
     using Build = std::vector<BuildStep>;
 
     BuildStep stepOf(const QByteArray& line) const;
+    void joinUnorderedBuilds();
     void addBuild(Build build, const QStringList& parent, ReadProgress& progress);
     static Build joined(Build build, ReadProgress& progress);
     DocumentItem itemOf(BuildStep step) const;
@@ -95,7 +97,7 @@ BuildStep NinjaDocumentBuilder::stepOf(const QByteArray& line) const
     if (m_version < firstVersionWithHashes && fields.size() > 5)
         fields = fields.mid(0, 4) << fields.mid(4).join('\t');
     if (fields.size() != 5)
-        throw Tr::tr("it has %1 fields instead of 5").arg(fields.size());
+        throw Tr::tr("the number of its fields is %1 instead of 5").arg(fields.size());
     BuildStep step;
     bool isStart = false;
     bool isEnd = false;
@@ -191,8 +193,31 @@ void NinjaDocumentBuilder::addBuild(Build build, const QStringList& parent, Read
     m_offset += buildEnd;
 }
 
+// A log that was written anew has each output once and its lines in no order: nothing in it tells builds apart.
+void NinjaDocumentBuilder::joinUnorderedBuilds()
+{
+    constexpr std::size_t fewestSteps = 20; // by which an order can be told from none
+    constexpr std::size_t stepsOfBuild = 4; // on average; a log in order has more
+    std::size_t count = 0;
+    QSet<QString> outputs;
+    for (const Build& build : m_builds) {
+        for (const BuildStep& step : build) {
+            ++count;
+            outputs.insert(step.outputs.first());
+        }
+    }
+    const bool isInOrder = m_builds.size() < 2 || count < fewestSteps || m_builds.size() * stepsOfBuild < count;
+    if (isInOrder || static_cast<std::size_t>(outputs.size()) < count)
+        return;
+    for (std::size_t i = 1; i < m_builds.size(); ++i)
+        std::move(m_builds[i].begin(), m_builds[i].end(), std::back_inserter(m_builds.front()));
+    m_builds.resize(1);
+    m_remarks.add(0, Tr::tr("the lines of the log are in no order: if it is of several builds, they are shown as one"));
+}
+
 Document NinjaDocumentBuilder::takeDocument(ReadProgress& progress)
 {
+    joinUnorderedBuilds();
     if (m_builds.size() > 1)
         m_remarks.add(0, Tr::tr("the log is of %1 builds, which are shown one after the other").arg(m_builds.size()));
     for (std::size_t i = 0; i < m_builds.size(); ++i) {

@@ -15,7 +15,9 @@ namespace VeskTimeline::Kit {
 ///
 /// Times are those of the log, from the epoch on. The steps are on as few tracks as keeps those that ran at the same
 /// time apart. A log is written as steps end, so where an end is before the one above it a new build begins; the builds
-/// follow each other without a gap, each with tracks of its own below one of the build.
+/// follow each other without a gap, each with tracks of its own below one of the build. A build makes each output once;
+/// one that goes on later than the build before it and makes none of the same outputs cannot be told from it. A log
+/// whose lines are in no order, as one that was written anew, is taken for one build, with a warning.
 ///
 /// Lines that say something else are left out, with a warning. A text without the log's first line, or of an older
 /// version, is refused; a newer version is read as if it were the newest that is known, with a warning.

@@ -86,6 +86,25 @@ private Q_SLOTS:
                 {"f: the log is of 2 builds, which are shown one after the other"});
     }
 
+    void aLogInNoOrderIsTakenForOneBuild()
+    {
+        constexpr int count = 40;
+        QByteArray log("# ninja log v5\n");
+        for (int i = 0; i < count; ++i) {
+            const int step = i * 17 % count;
+            log += QByteArray::number(step * 10) + '\t' + QByteArray::number(step * 10 + 10) + "\t1\tout" +
+                   QByteArray::number(step) + "\t1\n";
+        }
+        const auto result = read(log);
+        QVERIFY(result);
+        QCOMPARE(result.value().tracks().size(), std::size_t(1));
+        QCOMPARE(result.value().itemCount(), count);
+        QCOMPARE(result.value().span()->end, count * 10);
+        QCOMPARE(
+            result.value().warnings(),
+            QStringList{"f: the lines of the log are in no order: if it is of several builds, they are shown as one"});
+    }
+
     void buildsFollowEachOtherOnTracksOfTheirOwn()
     {
         compare("# ninja log v5\n0\t10\t1\ta\t1\n5\t30\t1\tb\t2\n0\t7\t1\ta\t1\n2\t8\t1\tc\t3\n",
@@ -118,12 +137,12 @@ private Q_SLOTS:
                 "1\t2\t1\t\t1\n1\t2\t1\tgood\xE9\t1\n1\t2",
                 "lane 1: good" + QString(QChar(0xFFFD)) + " 1+1",
                 {"f:2: the line is left out: its times are no numbers of milliseconds, or out of range",
-                 "f:3: the line is left out: it has 3 fields instead of 5",
+                 "f:3: the line is left out: the number of its fields is 3 instead of 5",
                  "f:4: the line is left out: its end is before its start",
                  "f:5: the line is left out: its times are no numbers of milliseconds, or out of range",
                  "f:6: the line is left out: its times are no numbers of milliseconds, or out of range",
                  "f:7: the line is left out: it names no output", "f:8: bytes that are not UTF-8 are replaced",
-                 "f:9: the line is left out: it has 2 fields instead of 5"});
+                 "f:9: the line is left out: the number of its fields is 2 instead of 5"});
     }
 
     void anEndlessLineIsLeftOut()
