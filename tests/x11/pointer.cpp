@@ -189,6 +189,28 @@ Pointer& Pointer::key(const QString& name)
          [this, count, releases] { return m_received.keyPresses >= count && m_received.keyReleases >= releases; }});
 }
 
+Pointer& Pointer::shortcut(const QString& name)
+{
+    // The application is asked about the key; where a shortcut takes it, that is the last to be seen of the press.
+    return add({QStringLiteral("shortcut ") + name, [] { return QGuiApplication::focusWindow() != nullptr; },
+                [name] {
+                    return QStringList{QStringLiteral("key"), name};
+                },
+                [this] {
+                    return m_received.shortcutOverrides > 0 &&
+                           QGuiApplication::queryKeyboardModifiers() == Qt::NoModifier;
+                }});
+}
+
+Pointer& Pointer::type(const QString& text)
+{
+    const QStringList command = {QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("2"),
+                                 QStringLiteral("--"), text};
+    return add({QStringLiteral("type ") + text, [] { return QGuiApplication::focusWindow() != nullptr; },
+                [command] { return command; },
+                [this, text] { return m_received.keyPresses >= static_cast<int>(text.size()); }});
+}
+
 Pointer& Pointer::keyDown(const QString& name)
 {
     return add({QStringLiteral("key down ") + name, [] { return QGuiApplication::focusWindow() != nullptr; },
@@ -284,6 +306,12 @@ void Pointer::fail(const QString& reason)
 
 bool Pointer::eventFilter(QObject* watched, QEvent* event)
 {
+    // Sent to the widget that has the keyboard.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        const bool isModifier = key >= Qt::Key_Shift && key <= Qt::Key_Alt;
+        m_received.shortcutOverrides += isModifier ? 0 : 1;
+    }
     // Windows receive first what the server sends; widgets get it from them.
     if (!watched->isWindowType())
         return false;

@@ -45,6 +45,10 @@ public:
     Pointer& wheel(int notches);
     /// Presses and releases a key, named as in X, with or without modifiers: "Delete", "ctrl+a".
     Pointer& key(const QString& name);
+    /// Presses and releases a key that is a shortcut where it is pressed, so that no window receives it as a key.
+    Pointer& shortcut(const QString& name);
+    /// Types a text of ASCII characters.
+    Pointer& type(const QString& text);
     Pointer& keyDown(const QString& name);
     Pointer& keyUp(const QString& name);
     /// Waits until a condition holds; play() fails when it never does.
@@ -79,6 +83,7 @@ private:
         int wheels = 0;
         int keyPresses = 0;
         int keyReleases = 0;
+        int shortcutOverrides = 0;
     };
 
     struct Press

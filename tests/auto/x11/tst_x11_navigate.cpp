@@ -72,8 +72,11 @@ private Q_SLOTS:
         QTRY_COMPARE(selectedLabel(f), "first");
         CHOOSE(f, "find_previous");
         QTRY_COMPARE(selectedLabel(f), "far away");
-        // The hand waits for a key to come in as one, which a shortcut does not.
-        QTest::keyClick(bar->field(), Qt::Key_F3);
+        PLAY(f.pointer.shortcut("F3"));
+        QTRY_COMPARE(selectedLabel(f), "first");
+        PLAY(f.pointer.shortcut("shift+F3"));
+        QTRY_COMPARE(selectedLabel(f), "far away");
+        PLAY(f.pointer.shortcut("F3"));
         QTRY_COMPARE(selectedLabel(f), "first");
         PLAY(f.pointer.key("Return"));
         QTRY_COMPARE(selectedLabel(f), "third");
@@ -82,6 +85,8 @@ private Q_SLOTS:
         PLAY(f.pointer.key("Escape"));
         QTRY_VERIFY(!bar->isVisible());
         QTRY_VERIFY(f.view()->hasFocus());
+        PLAY(f.pointer.shortcut("ctrl+f"));
+        QTRY_VERIFY(bar->isVisible() && bar->field()->hasFocus());
     }
 
     void goToDateAndTime()
@@ -96,6 +101,12 @@ private Q_SLOTS:
         for (const char* const digit : {"1", "9", "7", "2"})
             f.pointer.key(QString::fromLatin1(digit));
         PLAY(f.pointer.key("Return"));
+        QTRY_VERIFY(!f.window.findChild<GoToDialog*>());
+        QCOMPARE(f.view()->currentTime(), 63'072'000'000);
+        QTRY_VERIFY(f.window.isActiveWindow());
+        PLAY(f.pointer.shortcut("ctrl+g"));
+        QTRY_VERIFY(f.dialog<GoToDialog>());
+        PLAY(f.pointer.key("Escape"));
         QTRY_VERIFY(!f.window.findChild<GoToDialog*>());
         QCOMPARE(f.view()->currentTime(), 63'072'000'000);
     }
@@ -115,6 +126,14 @@ private Q_SLOTS:
         QTRY_VERIFY(f.view()->currentTime() > start + 3600 * day);
         CHOOSE(f, "previous_part");
         QTRY_COMPARE(f.view()->currentTime(), start);
+        PLAY(f.pointer.shortcut("ctrl+End"));
+        QTRY_COMPARE(f.window.navigation()->window().end, f.window.navigation()->overviewSpan().end);
+        PLAY(f.pointer.shortcut("ctrl+Home"));
+        QTRY_COMPARE(f.view()->currentTime(), start);
+        PLAY(f.pointer.shortcut("ctrl+Next"));
+        QTRY_VERIFY(f.view()->currentTime() > start + 3600 * day);
+        PLAY(f.pointer.shortcut("ctrl+Prior"));
+        QTRY_COMPARE(f.view()->currentTime(), start);
     }
 
     void steps()
@@ -125,16 +144,22 @@ private Q_SLOTS:
         const struct
         {
             const char* entry;
+            const char* keys;
             qint64 step;
-        } steps[] = {{"day_forward", day},     {"hour_forward", hour}, {"minute_forward", minute},
-                     {"minute_back", -minute}, {"hour_back", -hour},   {"day_back", -day}};
+        } steps[] = {{"day_forward", "alt+Next", day},
+                     {"hour_forward", "alt+Right", hour},
+                     {"minute_forward", "alt+shift+Right", minute},
+                     {"minute_back", "alt+shift+Left", -minute},
+                     {"hour_back", "alt+Left", -hour},
+                     {"day_back", "alt+Prior", -day}};
         for (const auto& step : steps) {
             CHOOSE(f, step.entry);
             expected += step.step;
             QTRY_COMPARE(f.view()->currentTime(), expected);
+            PLAY(f.pointer.shortcut(step.keys));
+            expected += step.step;
+            QTRY_COMPARE(f.view()->currentTime(), expected);
         }
-        QTest::keyClick(f.view(), Qt::Key_Right, Qt::AltModifier);
-        QTRY_COMPARE(f.view()->currentTime(), expected + hour);
     }
 
     void theOverviewIsClickedDraggedAndTurned()
@@ -160,6 +185,12 @@ private Q_SLOTS:
         PLAY(f.pointer.moveTo(strip, middle).doubleClick());
         QTRY_COMPARE(f.view()->zoomFactor(), Zoom::OneDay);
         QTRY_COMPARE(f.view()->currentTime(), start);
+    }
+
+    void everyEntryHasBeenChosen()
+    {
+        const DesktopWorkbench f;
+        QCOMPARE(f.unchosen("navigateMenu"), QStringList());
     }
 };
 
