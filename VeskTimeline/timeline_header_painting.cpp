@@ -196,8 +196,10 @@ void TimelineHeaderView::paintLimits(QPainter* painter, const QRect& rect) const
 void TimelineHeaderView::paintLimitMarkers(QPainter* painter, const QPoint& start, const QPoint& end) const
 {
     if (!m_ownScale) {
-        painter->drawPixmap(start, m_minLimitIndicator);
-        painter->drawPixmap(end, m_maxLimitIndicator);
+        // The pictures are from before the palette changed, if it did.
+        const bool areCurrent = m_limitIndicatorColor == textColor();
+        painter->drawPixmap(start, areCurrent ? m_minLimitIndicator : getMinLimitIndicator());
+        painter->drawPixmap(end, areCurrent ? m_maxLimitIndicator : getMaxLimitIndicator());
         return;
     }
     // Colours of its own, and shapes that stay shapes on paper.

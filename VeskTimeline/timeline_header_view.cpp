@@ -30,6 +30,26 @@ bool hasTickAt(const Ticks& ticks, qint64 time)
     return found != ticks.end() && found->time == time;
 }
 
+/// Hands a view's new palette on to its header, which as a widget with a style sheet is passed over otherwise.
+class PaletteForwarder : public QObject
+{
+public:
+    PaletteForwarder(QWidget* view, QWidget* header) : QObject(header), m_header(header)
+    {
+        view->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::PaletteChange)
+            QCoreApplication::sendEvent(m_header, event);
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QWidget* m_header;
+};
+
 } // namespace
 
 TimelineHeaderView::TimelineHeaderView(QWidget* parent)
@@ -55,12 +75,13 @@ TimelineHeaderView::TimelineHeaderView(QWidget* parent)
       m_isLimitsVisible(false),
       m_limitsDateTimeFormat(DateTime::DTG),
       m_minLimitIndicator(getMinLimitIndicator()),
-      m_maxLimitIndicator(getMaxLimitIndicator())
+      m_maxLimitIndicator(getMaxLimitIndicator()),
+      m_limitIndicatorColor(QApplication::palette().color(QPalette::Text))
 {
-    const QColor background = QApplication::palette().color(QPalette::Inactive, QPalette::Highlight);
-    setStyleSheet(QStringLiteral("QTreeView { background-color: %1 }").arg(background.name()));
+    takeOverPalette();
 
     if (m_timelineView) {
+        new PaletteForwarder(m_timelineView, this);
         connect(m_timelineView, &TimelineView::currentTimeChanged, this, &TimelineHeaderView::onUpdateTicks);
         connect(m_timelineView, &TimelineView::rangeChanged, this, &TimelineHeaderView::onUpdateTicks);
         connect(m_timelineView, &TimelineView::zoomChanged, this, &TimelineHeaderView::onUpdateTicks);
@@ -75,12 +96,23 @@ TimelineHeaderView::TimelineHeaderView(QWidget* parent)
 
     m_liveTimer = new QTimer(this);
     connect(m_liveTimer, &QTimer::timeout, this, &TimelineHeaderView::onLiveTimeout);
-    setLiveIndicatorColor(QApplication::palette().color(QPalette::Link));
 }
 
 TimelineHeaderView::~TimelineHeaderView()
 {
     delete m_mouseHandler;
+}
+
+void TimelineHeaderView::takeOverPalette()
+{
+    const QPalette palette = QApplication::palette();
+    const QColor background = palette.color(QPalette::Inactive, QPalette::Highlight);
+    const QString sheet = QStringLiteral("QTreeView { background-color: %1 }").arg(background.name());
+    // Setting one can announce a palette in its turn.
+    if (sheet != styleSheet())
+        setStyleSheet(sheet);
+    if (!m_hasOwnLiveIndicatorColor)
+        m_liveIndicatorColor = palette.color(QPalette::Link);
 }
 
 void TimelineHeaderView::setParent(QWidget* /*parent*/)
@@ -266,6 +298,7 @@ void TimelineHeaderView::setLiveIndicatorScalingFactor(double factor)
 
 void TimelineHeaderView::setLiveIndicatorColor(const QColor& color)
 {
+    m_hasOwnLiveIndicatorColor = true;
     if (m_liveIndicatorColor == color)
         return;
     m_liveIndicatorColor = color;
@@ -427,6 +460,16 @@ bool TimelineHeaderView::viewportEvent(QEvent* event)
     if (event->type() == QEvent::Wheel)
         return QAbstractScrollArea::viewportEvent(event); // NOLINT(bugprone-parent-virtual-call): passes the base over
     return QHeaderView::viewportEvent(event);
+}
+
+void TimelineHeaderView::changeEvent(QEvent* event)
+{
+    QHeaderView::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    takeOverPalette();
+    repaintRuler();
+    repaintView();
 }
 
 void TimelineHeaderView::repaintRuler()

@@ -119,7 +119,7 @@ public:
     double liveIndicatorScalingFactor() const { return m_liveIndicatorScalingFactor; }
     /// Factors of 0 or less are ignored.
     void setLiveIndicatorScalingFactor(double factor);
-    /// Default: the application palette's link colour.
+    /// Default: the application palette's link colour, also when that changes.
     QColor liveIndicatorColor() const { return m_liveIndicatorColor; }
     void setLiveIndicatorColor(const QColor& color);
     qint64 liveIndicatorTime() const { return m_liveIndicatorTime; }
@@ -194,6 +194,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     bool viewportEvent(QEvent* event) override;
+    /// Takes over the colours of another palette.
+    void changeEvent(QEvent* event) override;
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
 
 private Q_SLOTS:
@@ -205,6 +207,7 @@ private:
     qint64 windowLength() const;
     QColor textColor() const;
     QColor fillColor() const;
+    void takeOverPalette();
     void placeOwnTicks();
     void updateMajorTicks();
     void updateMediumTicks();
@@ -256,6 +259,8 @@ private:
     QString m_trackLabel;
     QFont m_font;
     std::optional<RulerScale> m_ownScale;
+    QColor m_limitIndicatorColor; ///< that of the two pictures
+    bool m_hasOwnLiveIndicatorColor = false;
 
     friend class TimelineHeaderViewMouseHandler;
     friend class TimelineView;

@@ -210,6 +210,7 @@ private Q_SLOTS:
 
     void limitMarkersAreLineAndTriangle();
     void limitMarkersFollowThePalette();
+    void limitMarkersAreRenewedWithThePalette();
     void limitMarkersStandInTheBottomCorners();
     void limitBoxesCoverTheTicks();
     void limitTextsStandBesideTheirMarkers();
@@ -479,6 +480,23 @@ void TestHeaderPainting::limitMarkersFollowThePalette()
     const QImage marker = getMinLimitIndicator().toImage();
     QApplication::setPalette(before);
     QCOMPARE(marker.pixelColor(8, 5), QColor(200, 30, 40));
+}
+
+void TestHeaderPainting::limitMarkersAreRenewedWithThePalette()
+{
+    PaintFixture f;
+    f.removeTicks();
+    f.header->setLimitsVisible(true);
+    const QPalette before = QApplication::palette();
+    QPalette palette = before;
+    palette.setColor(QPalette::Text, QColor(200, 30, 40));
+    QApplication::setPalette(palette);
+    const QImage image = f.picture();
+    const QPoint start = find(image, getMinLimitIndicator(), QRect(left, 51, 20, 19));
+    const QPoint end = find(image, getMaxLimitIndicator(), QRect(right - 19, 51, 20, 19));
+    QApplication::setPalette(before);
+    QVERIFY(!start.isNull());
+    QVERIFY(!end.isNull());
 }
 
 void TestHeaderPainting::limitMarkersStandInTheBottomCorners()

@@ -108,6 +108,8 @@ private Q_SLOTS:
     void defaults();
     void constructionConfiguresTheHeader();
     void coloursAreThoseOfThePalette();
+    void aNewPaletteGivesNewColours();
+    void aChosenColourOfTheLiveLineOutlivesThePalette();
     void withoutAViewItWarns();
     void theParentIsForGood();
     void rulerFontIsTheOwnersToChange();
@@ -241,6 +243,43 @@ void TestHeaderSettings::coloursAreThoseOfThePalette()
     QApplication::setPalette(before);
     QCOMPARE(background, QColor(1, 2, 3));
     QCOMPARE(view.header()->liveIndicatorColor(), QColor(4, 5, 6));
+}
+
+void TestHeaderSettings::aNewPaletteGivesNewColours()
+{
+    const QPalette before = QApplication::palette();
+    TimelineView view;
+    const auto* const header = view.header();
+    view.show();
+    QPalette other = before;
+    other.setColor(QPalette::Link, QColor(4, 5, 6));
+    other.setColor(QPalette::Inactive, QPalette::Highlight, QColor(7, 8, 9));
+    QApplication::setPalette(other);
+    QCoreApplication::processEvents();
+    const QColor line = header->liveIndicatorColor();
+    const QString sheet = header->styleSheet();
+    QApplication::setPalette(before);
+    QCoreApplication::processEvents();
+    QCOMPARE(line, QColor(4, 5, 6));
+    QCOMPARE(sheet, QString("QTreeView { background-color: #070809 }"));
+    QCOMPARE(header->liveIndicatorColor(), before.color(QPalette::Link));
+}
+
+void TestHeaderSettings::aChosenColourOfTheLiveLineOutlivesThePalette()
+{
+    const QPalette before = QApplication::palette();
+    TimelineView view;
+    view.show();
+    // Also the very colour that it has.
+    view.header()->setLiveIndicatorColor(before.color(QPalette::Link));
+    QPalette other = before;
+    other.setColor(QPalette::Link, QColor(4, 5, 6));
+    QApplication::setPalette(other);
+    QCoreApplication::processEvents();
+    const QColor line = view.header()->liveIndicatorColor();
+    QApplication::setPalette(before);
+    QCoreApplication::processEvents();
+    QCOMPARE(line, before.color(QPalette::Link));
 }
 
 void TestHeaderSettings::withoutAViewItWarns()
