@@ -92,14 +92,15 @@ QString LabelledItem::label() const
                              : m_label;
 }
 
-QString LabelledItem::toolTip(const QString& trackName) const
+QString LabelledItem::toolTip(const QString& trackName, const TimeFormatter& formatter) const
 {
+    const TimeFormatter format = formatter ? formatter : formatTime;
     constexpr qsizetype longestName = 200;
     constexpr qsizetype longestDescription = 1000;
     const bool hasEnd = duration() >= 0;
     QString text = QStringLiteral("<qt><b>%1</b><table>").arg(cut(label().simplified(), longestName).toHtmlEscaped());
-    text += toolTipRow(Tr::tr("Start"), formatTime(startTime()));
-    text += toolTipRow(Tr::tr("End"), hasEnd ? formatTime(startTime() + duration()) : Tr::tr("open"));
+    text += toolTipRow(Tr::tr("Start"), format(startTime()));
+    text += toolTipRow(Tr::tr("End"), hasEnd ? format(startTime() + duration()) : Tr::tr("open"));
     if (hasEnd)
         text += toolTipRow(Tr::tr("Duration"), durationText(duration()));
     text += toolTipRow(Tr::tr("Track"), cut(trackName.simplified(), longestName));

@@ -5,6 +5,8 @@
 
 #include <QMap>
 
+#include <functional>
+
 class QRect;
 
 namespace VeskTimeline::Kit {
@@ -22,6 +24,9 @@ struct ItemPiece
         return left.whole == right.whole && left.number == right.number && left.count == right.count;
     }
 };
+
+/// Writes a point in time, milliseconds since the epoch, for the user.
+using TimeFormatter = std::function<QString(qint64)>;
 
 /// An item with a text, which it paints inside its bar, shortened to the room there is, in black or white, whichever
 /// is easier to read on the item's colour.
@@ -57,7 +62,8 @@ public:
 
     /// Label, start, end, duration, track and description, as rich text in which nothing of them is taken for mark-up.
     /// Long texts are cut.
-    QString toolTip(const QString& trackName) const;
+    /// @param formatter none: formatTime()
+    QString toolTip(const QString& trackName, const TimeFormatter& formatter = {}) const;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                bool isSelected) const override;

@@ -43,7 +43,7 @@ QString LabelledItemToolTips::textAt(const QPoint& pos) const
     if (found == track->items().rend())
         return {};
     const auto* const labelled = dynamic_cast<const LabelledItem*>(found->get());
-    return labelled ? labelled->toolTip(track->text()) : QString();
+    return labelled ? labelled->toolTip(track->text(), m_formatter) : QString();
 }
 
 bool LabelledItemToolTips::eventFilter(QObject* watched, QEvent* event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <VeskTimelineKit/labelled_item.h>
 #include <VeskTimelineKit/vesktimelinekit_export.h>
 
 #include <QObject>
@@ -22,6 +23,9 @@ public:
     /// @param view becomes the parent
     explicit LabelledItemToolTips(TimelineView* view);
 
+    /// How times are written. @param formatter none, the default: formatTime()
+    void setTimeFormatter(const TimeFormatter& formatter) { m_formatter = formatter; }
+
     /// The tool tip for a point of the view's viewport; empty where there is no such item.
     QString textAt(const QPoint& pos) const;
 
@@ -32,6 +36,7 @@ private:
     bool isHit(const Item& item, const QPoint& pos) const;
 
     TimelineView* m_view;
+    TimeFormatter m_formatter;
 };
 
 } // namespace VeskTimeline::Kit

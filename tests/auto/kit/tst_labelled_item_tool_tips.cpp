@@ -49,6 +49,13 @@ private Q_SLOTS:
                                               "Duration\n2 d 01:02:03.004\nTrack\nMoon\n\nTwo\nlines");
     }
 
+    void timesAreWrittenAsTheOwnerWants()
+    {
+        const auto formatter = [](qint64 time) { return QString("at %1").arg(time); };
+        const QString text = plain(sampleItem(2000).toolTip("Moon", formatter));
+        QVERIFY2(text.contains("Start\nat 1000\nEnd\nat 3000\n"), qPrintable(text));
+    }
+
     void anOpenItemHasNoDuration()
     {
         const QString text = plain(sampleItem(-1).toolTip("Moon"));
@@ -96,7 +103,7 @@ private Q_SLOTS:
         view.setRange(0, 3'600'000);
         view.resize(1200, 400);
         view.show();
-        const LabelledItemToolTips toolTips(&view);
+        LabelledItemToolTips toolTips(&view);
         QCoreApplication::processEvents();
 
         const int y = view.visualRect(model.index(0, 1)).center().y();
@@ -116,6 +123,10 @@ private Q_SLOTS:
         QHelpEvent event(QEvent::ToolTip, pos, view.viewport()->mapToGlobal(pos));
         QCoreApplication::sendEvent(view.viewport(), &event);
         QCOMPARE(QToolTip::text(), model.itemToolTip(0));
+
+        toolTips.setTimeFormatter([](qint64 time) { return QString("at %1").arg(time); });
+        QCoreApplication::sendEvent(view.viewport(), &event);
+        QVERIFY2(plain(QToolTip::text()).contains("at 60000"), qPrintable(QToolTip::text()));
     }
 };
 
