@@ -40,19 +40,19 @@ void collect(const QMenu& menu, QList<ShortcutGroup::Entry>* entries)
 ShortcutGroup itemGestures()
 {
     const auto tr = [](const char* text) { return ShortcutPage::tr(text); };
-    return {
-        tr("Items"),
-        {{tr("Click"), tr("Select the item alone; the only selected one is unselected")},
-         {tr("Ctrl+Click"), tr("Add the item to the selection, or take it out")},
-         {tr("Drag from an empty place"), tr("Select the items within the rectangle")},
-         {tr("Double click"), tr("Edit the item's label; on an empty place, add an item; on a name, rename the track")},
-         {tr("Right click"), tr("Commands on the item, or the track")},
-         {tr("Drag"), tr("Move the selected items; onto another row, move them to that track")},
-         {tr("Drag an edge"), tr("Change start or end")},
-         {tr("Shift while dragging"), tr("Suspend snapping")},
-         {tr("Left, Right"), tr("Move the selected items by ten snap steps")},
-         {tr("Ctrl+Left, Ctrl+Right"), tr("Move the selected items by one snap step")},
-         {tr("Escape"), tr("Give up a move, and select nothing")}}};
+    return {tr("Items"),
+            {{tr("Click"), tr("Select the item alone; the only selected one is unselected")},
+             {tr("Ctrl+Click"), tr("Add the item to the selection, or take it out")},
+             {tr("Drag from an empty place"), tr("Select the items within the rectangle")},
+             {tr("Double click"), tr("Select the item alone and edit its label")},
+             {tr("Double click on an empty place"), tr("Add an item there")},
+             {tr("Right click, Menu key"), tr("What can be done with the items or the track")},
+             {tr("Drag"), tr("Move the selected items; onto another row, move them to that track")},
+             {tr("Drag an edge"), tr("Change start or end")},
+             {tr("Shift while dragging"), tr("Do not snap")},
+             {tr("Left, Right"), tr("Move the selected items by ten snap steps")},
+             {tr("Ctrl+Left, Ctrl+Right"), tr("Move the selected items by one snap step")},
+             {tr("Escape"), tr("Give up a move, and select nothing")}}};
 }
 
 ShortcutGroup viewGestures()
@@ -73,7 +73,33 @@ ShortcutGroup trackGestures()
     return {tr("Tracks"),
             {{tr("Click on +"), tr("Insert a track below")},
              {tr("Click on −"), tr("Remove the track, after a question")},
-             {tr("Click on the arrow"), tr("Expand or collapse the track")}}};
+             {tr("Click on the arrow"), tr("Expand or collapse the track")},
+             {tr("Double click on the name"), tr("Rename the track")}}};
+}
+
+ShortcutGroup overviewGestures()
+{
+    const auto tr = [](const char* text) { return ShortcutPage::tr(text); };
+    return {tr("Overview strip"),
+            {{tr("Click on the strip"), tr("Bring the window there")},
+             {tr("Drag the frame"), tr("Move the window")},
+             {tr("Drag an edge of the frame"), tr("Zoom")},
+             {tr("Double click on the strip"), tr("Show the start at the widest zoom")},
+             {tr("Wheel over the strip"), tr("Scroll by half a window; with Ctrl, zoom")},
+             {tr("Left, Right in the strip"), tr("Scroll by a bit")},
+             {tr("PgUp, PgDown in the strip"), tr("Scroll by a window")},
+             {tr("Home, End in the strip"), tr("Go to the ends of the document")},
+             {tr("+, − in the strip"), tr("Zoom")},
+             {tr("Escape in the strip"), tr("Take a drag back")}}};
+}
+
+ShortcutGroup findGestures()
+{
+    const auto tr = [](const char* text) { return ShortcutPage::tr(text); };
+    return {tr("Find bar"),
+            {{tr("Return"), tr("Go to the next match")},
+             {tr("Shift+Return"), tr("Go to the previous match")},
+             {tr("Escape in the bar"), tr("Close the bar")}}};
 }
 
 } // namespace
@@ -97,7 +123,7 @@ QList<ShortcutGroup> menuShortcuts(const QMainWindow& window)
 
 QList<ShortcutGroup> timelineGestures()
 {
-    return {itemGestures(), viewGestures(), trackGestures()};
+    return {itemGestures(), viewGestures(), trackGestures(), overviewGestures(), findGestures()};
 }
 
 ShortcutPage::ShortcutPage(const QMainWindow& window, QWidget* parent)
