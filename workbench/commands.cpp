@@ -3,6 +3,9 @@
 #include "command_line.h"
 #include "load_files.h"
 #include "main_window.h"
+#include "offscreen_silence.h"
+#include "portal_look.h"
+#include "settings.h"
 #include "theme.h"
 
 #include <VeskTimelineKit/document_format.h>
@@ -73,8 +76,11 @@ int convert(const Document& document, const QString& output)
 int saveScreenshot(QWidget& window, const QString& output)
 {
     // Everything is laid out as on screen; what is only wanted as a picture need not flash up there.
+    const OffscreenSilence silence;
     window.setAttribute(Qt::WA_DontShowOnScreen);
     window.show();
+    QCoreApplication::processEvents();
+    // What has been brought up to date in that turn has yet to be laid out.
     QCoreApplication::processEvents();
     QSaveFile file(output);
     QImageWriter writer(&file, "png");
@@ -120,15 +126,16 @@ int runWithoutWindow(const CommandLine& commandLine, const Document& document)
 
 int runWithWindow(const CommandLine& commandLine, const ReadDocuments& loaded)
 {
-    QApplication::setOrganizationName(QStringLiteral("VeskTimeline"));
-    QApplication::setApplicationName(QStringLiteral("vesk-timeline-workbench"));
+    prepareSettings();
     MainWindow window;
     const bool isForUser = commandLine.action == CommandLine::Action::ShowWindow;
     // Pictures are the same for everybody.
     if (isForUser) {
+        window.theme()->listenTo(new PortalLook);
         window.keepViewSettings(commandLine.theme);
         window.startAutosave();
     } else {
+        window.leaveNoTrace();
         window.theme()->setScheme(commandLine.theme.value_or(Theme::System));
     }
     if (!commandLine.files.isEmpty())

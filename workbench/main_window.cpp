@@ -3,22 +3,22 @@
 #include "csv_import_assistant.h"
 #include "file_session.h"
 #include "icons.h"
-#include "item_hover_text.h"
 #include "load_files.h"
+#include "name_column.h"
 #include "navigation.h"
+#include "ruler_time.h"
 #include "theme.h"
 #include "view_settings.h"
+#include "warnings_button.h"
 
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_header_view.h>
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimeline/timeline_widget.h>
+#include <VeskTimelineKit/labelled_item_tool_tips.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
 
-#include <QApplication>
 #include <QSettings>
-
-#include <algorithm>
 
 namespace Workbench {
 
@@ -27,18 +27,7 @@ using namespace VeskTimeline::Kit;
 
 namespace {
 
-constexpr QSize startSize(1200, 640);
-
-// Of the texts in the track column, with their indentation.
-int widestName(const QTreeView& view, const Track& parent, int level)
-{
-    int widest = 0;
-    for (const TrackPtr& track : parent.tracks()) {
-        const int own = view.fontMetrics().horizontalAdvance(track->text()) + level * view.indentation();
-        widest = std::max({widest, own, widestName(view, *track, level + 1)});
-    }
-    return widest;
-}
+constexpr QSize startSize(1440, 800);
 
 /// Leaves out the focus frame: there is no moving from row to row, keys are for the items.
 class RowDelegate : public ItemDelegate
@@ -94,7 +83,8 @@ void MainWindow::createTimeline()
     m_timeline->setModel(m_model.get());
     view()->setItemDelegate(new RowDelegate(view()));
     view()->setUniformRowHeights(true);
-    new ItemHoverText(view());
+    (new LabelledItemToolTips(view()))->setTimeFormatter([](qint64 time) { return rulerTimeText(time); });
+    m_nameColumn = new NameColumn(view());
 
     TimelineHeaderView* const header = m_timeline->header();
     header->setTrackLabel(tr("Track"));
@@ -104,11 +94,8 @@ void MainWindow::createTimeline()
     m_timeline->setZoomOutIcon(icon(QStringLiteral("pnx_zoom_out")));
     // The ids of one document mean something else, or nothing, in the next.
     connect(m_model.get(), &QAbstractItemModel::modelAboutToBeReset, view(), &TimelineView::clearSelectedItems);
-    connect(m_model.get(), &QAbstractItemModel::rowsInserted, this, &MainWindow::updateStatus);
     connect(m_model.get(), &QAbstractItemModel::rowsRemoved, this, &MainWindow::forgetRemovedItems);
-    connect(m_model.get(), &StandardTimelineModel::itemsAdded, this, &MainWindow::updateStatus);
     connect(m_model.get(), &StandardTimelineModel::itemsRemoved, this, &MainWindow::forgetRemovedItems);
-    connect(m_model.get(), &StandardTimelineModel::itemsChanged, this, &MainWindow::updateStatus);
 }
 
 QList<FileError> MainWindow::openFiles(const QStringList& fileNames, const DocumentFormat* format)
@@ -128,23 +115,10 @@ void MainWindow::showDocument(const Document& document, const QStringList& fileN
 void MainWindow::showLoaded(const Document& document)
 {
     view()->expandAll();
-    fitNameColumn();
-
-    m_warnings = document.warnings();
+    m_nameColumn->fit();
+    m_warningsButton->setWarnings(document.warnings());
     m_navigation->fit();
-    updateStatus();
     m_timeline->header()->setIndicatorTime(view()->currentTime() + view()->zoomFactor() / 2);
-}
-
-void MainWindow::fitNameColumn()
-{
-    // A row is 50 pixels high and its buttons half as wide.
-    constexpr int buttonWidth = 25;
-    constexpr int margin = 16;
-    constexpr int narrowest = 200;
-    constexpr int widest = 400;
-    const int width = widestName(*view(), *m_model->rootTrack(), 1) + buttonWidth + margin;
-    m_timeline->header()->resizeSection(0, std::clamp(width, narrowest, widest));
 }
 
 void MainWindow::forgetRemovedItems()
@@ -156,7 +130,6 @@ void MainWindow::forgetRemovedItems()
     }
     if (kept != view()->selectedItemIds())
         view()->selectItems(kept, true);
-    updateStatus();
 }
 
 } // namespace Workbench

@@ -15,7 +15,6 @@
 #include <optional>
 
 class QAction;
-class QLabel;
 class QMenu;
 class QSettings;
 
@@ -34,11 +33,13 @@ class CsvImportAssistant;
 class FileSession;
 class FindBar;
 class ItemCommands;
+class NameColumn;
 class Navigation;
 class OverviewStrip;
 class RecentFiles;
 class TaskProgress;
 class ViewSettings;
+class WarningsButton;
 
 /// The workbench's window: a timeline with everything switched on, a tool bar, and a status bar that says what is
 /// loaded.
@@ -77,9 +78,12 @@ public:
 
     ViewSettings* viewSettings() const { return m_viewSettings; }
     Theme* theme() const { return m_theme; }
-    /// Takes over how the user left look and settings of the view, and keeps them from now on.
+    /// Takes over how the user left the window, its look and the settings of the view, and keeps them from now on. To
+    /// be called before the window is shown.
     /// @param look for this time only; nothing: as the user left it
     void keepViewSettings(std::optional<Theme::Scheme> look = std::nullopt);
+    /// What is opened from now on is not remembered either: for a window that is no user's.
+    void leaveNoTrace();
     /// Whatever moves the window of the timeline does so through this.
     Navigation* navigation() const { return m_navigation; }
 
@@ -114,7 +118,6 @@ private:
     void showLoaded(const VeskTimeline::Kit::Document& document);
     void showAdded(const VeskTimeline::Kit::Document& added);
     void showRecovered(const Autosave::Recovered& recovered);
-    void fitNameColumn();
     void forgetRemovedItems();
 
     void createNavigation();
@@ -122,7 +125,6 @@ private:
     void addStepActions(QMenu* menu);
     void goToDateAndTime();
     void updatePaging();
-    void updateStatus();
 
     VeskTimeline::TimelineWidget* m_timeline = nullptr;
     std::unique_ptr<VeskTimeline::Kit::StandardTimelineModel> m_model;
@@ -138,12 +140,11 @@ private:
     TaskProgress* m_taskProgress = nullptr;
     bool m_mayClose = false;
     std::unique_ptr<Autosave> m_autosave;
-    QStringList m_warnings;
     ItemCommands* m_itemCommands = nullptr;
     QAction* m_previousPart = nullptr;
     QAction* m_nextPart = nullptr;
-    QLabel* m_contentLabel = nullptr;
-    QLabel* m_warningLabel = nullptr;
+    NameColumn* m_nameColumn = nullptr;
+    WarningsButton* m_warningsButton = nullptr;
 };
 
 } // namespace Workbench

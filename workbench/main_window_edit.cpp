@@ -46,11 +46,12 @@ void MainWindow::createInspector()
     auto* const inspector = new Inspector(m_model.get(), view(), dock);
     dock->setWidget(inspector);
     addDockWidget(Qt::RightDockWidgetArea, dock);
-    constexpr int width = 280;
+    constexpr int width = 270;
     resizeDocks({dock}, {width}, Qt::Horizontal);
     QAction* const toggle = dock->toggleViewAction();
     toggle->setObjectName(QStringLiteral("inspector"));
     toggle->setText(tr("&Inspector"));
+    toggle->setIcon(icon(QStringLiteral("inspector")));
     toggle->setShortcut(tr("Ctrl+I"));
     connect(m_session, &FileSession::contentsNeeded, inspector, &Inspector::commitPending);
     connect(m_itemCommands, &ItemCommands::labelEditRequested, inspector, [dock, inspector] {

@@ -1,10 +1,12 @@
 #include "csv_import_assistant.h"
 #include "file_session.h"
 #include "main_window.h"
+#include "name_column.h"
 #include "navigation.h"
 #include "recent_files.h"
 #include "settings.h"
 #include "task_progress.h"
+#include "warnings_button.h"
 
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
@@ -69,6 +71,11 @@ void MainWindow::createFileSession()
             [this](const QString& fileName) { statusBar()->showMessage(tr("Exported %1").arg(fileName), 5000); });
     connect(m_recentFiles, &RecentFiles::chosen, m_session,
             [this](const QString& fileName) { m_session->open({fileName}); });
+}
+
+void MainWindow::leaveNoTrace()
+{
+    m_recentFiles->setRecording(false);
 }
 
 void MainWindow::createTaskProgress()
@@ -143,10 +150,9 @@ void MainWindow::updateFileActions()
 void MainWindow::showAdded(const Document& added)
 {
     view()->expandAll();
-    fitNameColumn();
-    m_warnings.append(added.warnings());
+    m_nameColumn->fit();
+    m_warningsButton->setWarnings(m_warningsButton->warnings() + added.warnings());
     m_navigation->fit();
-    updateStatus();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

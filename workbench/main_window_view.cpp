@@ -1,14 +1,15 @@
 #include "main_window.h"
 #include "navigation.h"
+#include "settings.h"
 #include "view_menus.h"
 #include "view_settings.h"
+#include "window_layout.h"
 
 #include <VeskTimeline/timeline_widget.h>
 
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
-#include <QSettings>
 
 namespace Workbench {
 
@@ -43,15 +44,14 @@ void MainWindow::createViewMenu()
 
 void MainWindow::keepViewSettings(std::optional<Theme::Scheme> look)
 {
-    QSettings settings;
-    m_viewSettings->restore(settings);
-    const auto kept = Theme::schemeOf(settings.value(themeKey).toString());
+    const std::unique_ptr<QSettings> settings = openSettings();
+    m_viewSettings->restore(*settings);
+    const auto kept = Theme::schemeOf(settings->value(themeKey).toString());
     m_theme->setScheme(look ? *look : kept.value_or(Theme::System));
-    connect(m_viewSettings, &ViewSettings::changed, this, [this] {
-        QSettings changed;
-        m_viewSettings->save(changed);
-    });
-    connect(m_theme, &Theme::changed, this, [this] { QSettings().setValue(themeKey, Theme::name(m_theme->scheme())); });
+    connect(m_viewSettings, &ViewSettings::changed, this, [this] { m_viewSettings->save(*openSettings()); });
+    connect(m_theme, &Theme::changed, this,
+            [this] { openSettings()->setValue(themeKey, Theme::name(m_theme->scheme())); });
+    new WindowLayout(this, m_nameColumn);
 }
 
 } // namespace Workbench

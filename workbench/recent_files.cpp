@@ -37,6 +37,8 @@ QStringList RecentFiles::files() const
 
 void RecentFiles::add(const QStringList& fileNames)
 {
+    if (!m_isRecording)
+        return;
     QStringList files = this->files();
     for (qsizetype i = fileNames.size() - 1; i >= 0; --i) {
         const QString fileName = QFileInfo(fileNames.at(i)).absoluteFilePath();

@@ -20,6 +20,8 @@ public:
     /// Absolute, the latest first. Another window may have added some.
     QStringList files() const;
     void add(const QStringList& fileNames);
+    /// While not, add() does nothing; default true.
+    void setRecording(bool isRecording) { m_isRecording = isRecording; }
     /// @param fileName absolute
     void remove(const QString& fileName);
 
@@ -32,6 +34,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// The user wants the file.
     void chosen(const QString& fileName);
+
+private:
+    bool m_isRecording = true;
 };
 
 } // namespace Workbench

@@ -60,10 +60,31 @@ Theme::Theme(QObject* parent) : QObject(parent), m_systemStyle(QApplication::sty
 Theme::~Theme()
 {
     qApp->removeEventFilter(this);
-    if (m_scheme == System)
-        return;
+    m_reported = SystemLook::None;
     m_scheme = System;
     apply();
+}
+
+void Theme::listenTo(SystemLook* source)
+{
+    delete m_source;
+    m_source = source;
+    source->setParent(this);
+    connect(source, &SystemLook::reported, this, &Theme::showReported);
+    source->ask();
+}
+
+void Theme::showReported(SystemLook::Preference preference)
+{
+    if (preference == m_reported)
+        return;
+    m_reported = preference;
+    if (m_scheme != System)
+        return;
+    const QPalette before = QApplication::palette();
+    applyQuietly();
+    if (QApplication::palette() != before)
+        Q_EMIT changed();
 }
 
 void Theme::setScheme(Scheme scheme)
@@ -71,19 +92,33 @@ void Theme::setScheme(Scheme scheme)
     if (scheme == m_scheme)
         return;
     m_scheme = scheme;
-    // The application announces the new palette as it does one of the system's.
+    applyQuietly();
+    Q_EMIT changed();
+}
+
+// The application announces the new palette as it does one of the system's.
+void Theme::applyQuietly()
+{
     m_isApplying = true;
     apply();
     m_isApplying = false;
-    Q_EMIT changed();
 }
 
 void Theme::apply()
 {
-    const QString style = m_scheme == System ? m_systemStyle : QStringLiteral("fusion");
-    if (QApplication::style()->name() != style)
-        QApplication::setStyle(style);
-    QApplication::setPalette(palette(m_scheme));
+    const auto show = [](const QString& style, const QPalette& palette) {
+        if (QApplication::style()->name() != style)
+            QApplication::setStyle(style);
+        QApplication::setPalette(palette);
+    };
+    const QString ownStyle = QStringLiteral("fusion");
+    if (m_scheme != System) {
+        show(ownStyle, palette(m_scheme));
+        return;
+    }
+    show(m_systemStyle, palette(System));
+    if (m_reported == SystemLook::Dark && !isDark())
+        show(ownStyle, palette(Dark));
 }
 
 bool Theme::isDark()

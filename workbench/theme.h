@@ -1,5 +1,7 @@
 #pragma once
 
+#include "system_look.h"
+
 #include <QObject>
 #include <QPalette>
 
@@ -10,7 +12,8 @@ namespace Workbench {
 /// Light or dark look of the whole application. Needs a QApplication; one at a time.
 ///
 /// A chosen look has a palette of its own, drawn by the Fusion style; the system's look is what the platform gives, and
-/// follows it while the program runs.
+/// follows it while the program runs. Where the desktop is dark and the platform's palette has not been told, the
+/// system's look is the dark one.
 class Theme : public QObject
 {
     Q_OBJECT
@@ -26,6 +29,10 @@ public:
     Scheme scheme() const { return m_scheme; }
     /// Emits changed() when the scheme is another.
     void setScheme(Scheme scheme);
+
+    /// Listens from now on to what the desktop says of itself, for the system's look; takes the place of the one
+    /// before. @param source becomes a child
+    void listenTo(SystemLook* source);
 
     /// Whether the application's palette is dark at this moment.
     static bool isDark();
@@ -46,8 +53,12 @@ protected:
 
 private:
     void apply();
+    void applyQuietly();
+    void showReported(SystemLook::Preference preference);
 
     Scheme m_scheme = System;
+    SystemLook::Preference m_reported = SystemLook::None;
+    SystemLook* m_source = nullptr;
     bool m_isApplying = false;
     const QString m_systemStyle;
 };

@@ -97,7 +97,7 @@ void addLengths(QMenu* menu, ViewSettings* settings, const QList<int>& lengths, 
         bool isAccepted = false;
         const double seconds =
             QInputDialog::getDouble(menu->parentWidget(), menu->title().remove(u'&'), Tr::tr("Seconds:"),
-                                    (settings->*get)() / double(second), 0, day / second, 3, &isAccepted);
+                                    (settings->*get)() / double(second), 0, double(day) / second, 3, &isAccepted);
         if (isAccepted)
             (settings->*set)(qRound(seconds * second));
         // The click has moved the mark, whether a length was given or not.

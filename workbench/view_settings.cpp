@@ -179,7 +179,7 @@ QString ViewSettings::zoneText(char zone)
 {
     const int hours = DTG::timezone2Hours(zone);
     const QString offset =
-        hours == 0 ? QString() : QStringLiteral("%1%2").arg(hours < 0 ? u'−' : u'+').arg(qAbs(hours));
+        hours == 0 ? QString() : QStringLiteral("%1%2").arg(QChar(hours < 0 ? u'−' : u'+')).arg(qAbs(hours));
     return QStringLiteral("%1 (UTC%2)").arg(QLatin1Char(zone)).arg(offset);
 }
 

@@ -237,15 +237,63 @@ private Q_SLOTS:
             QCOMPARE(run({"--screenshot", withFile, sample}, platform).status, 0);
             QCOMPARE(run({"--screenshot", empty}, platform).status, 0);
             const QImage picture(withFile);
-            QCOMPARE(picture.size(), QSize(1200, 640));
+            QCOMPARE(picture.size(), QSize(1440, 800));
             QVERIFY(picture != QImage(empty));
-            // The colour of the first track's items, which fill the row.
+            // The colour of the first track's items, which fill the row; column and inspector take the rest.
             int pixels = 0;
             for (int x = 0; x < picture.width(); ++x)
                 pixels += picture.pixelColor(x, 140) == QColor("#4c78a8") ? 1 : 0;
             QVERIFY2(pixels > 700, qPrintable(QString::number(pixels)));
             QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
         }
+    }
+
+    void aScreenshotSaysNothingAndLeavesNoTrace()
+    {
+        const QTemporaryDir home;
+        QDir(home.path()).mkpath("runtime");
+        QFile::setPermissions(home.filePath("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QByteArray configBefore = qgetenv("XDG_CONFIG_HOME");
+        const QByteArray runtimeBefore = qgetenv("XDG_RUNTIME_DIR");
+        qputenv("XDG_CONFIG_HOME", home.filePath("config").toLocal8Bit());
+        // Qt remarks on a missing one.
+        qputenv("XDG_RUNTIME_DIR", home.filePath("runtime").toLocal8Bit());
+        const Run result = run({"--screenshot", m_dir->filePath("a.png"), sample});
+        qputenv("XDG_CONFIG_HOME", configBefore);
+        if (runtimeBefore.isEmpty())
+            qunsetenv("XDG_RUNTIME_DIR");
+        else
+            qputenv("XDG_RUNTIME_DIR", runtimeBefore);
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.status, 0);
+        QVERIFY(!QDir(home.filePath("config")).exists());
+    }
+
+    void anUnknownThemeIsRefused()
+    {
+        for (const QString& name : {QString("purple"), QString("Dark"), QString("")}) {
+            const Run result = run({"--theme=" + name, "--screenshot", m_dir->filePath("a.png")}, Platform::Offscreen);
+            QCOMPARE(result.status, 2);
+            QCOMPARE(result.errors, QString("vesk-timeline-workbench: there is no look \"%1\"; there are system, light "
+                                            "and dark\n")
+                                        .arg(name));
+            QVERIFY(!QFile::exists(m_dir->filePath("a.png")));
+        }
+        const Run result = run({"--screenshot", m_dir->filePath("a.png"), "--theme"}, Platform::Offscreen);
+        QCOMPARE(result.status, 2);
+        QVERIFY2(result.errors.contains("--theme"), qPrintable(result.errors));
+    }
+
+    void theThemeIsThatOfThePicture()
+    {
+        const QString light = m_dir->filePath("light.png");
+        const QString dark = m_dir->filePath("dark.png");
+        QCOMPARE(run({"--theme", "light", "--screenshot", light}).status, 0);
+        QCOMPARE(run({"--theme", "dark", "--screenshot", dark}).status, 0);
+        const QPoint toolBar(1400, 40);
+        QVERIFY(QImage(light).pixelColor(toolBar).lightness() > 150);
+        QVERIFY(QImage(dark).pixelColor(toolBar).lightness() < 100);
     }
 
     void withoutADisplayThereIsNoWindow()

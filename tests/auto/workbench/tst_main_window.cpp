@@ -3,10 +3,12 @@
 #include <VeskTimeline/timeline_header_view.h>
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimeline/timeline_widget.h>
+#include <VeskTimelineKit/labelled_item_tool_tips.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QAction>
 #include <QApplication>
+#include <QDockWidget>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -15,15 +17,19 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextDocument>
+#include <QToolBar>
+#include <QToolButton>
 
 #include <workbench/find_bar.h>
 #include <workbench/go_to_dialog.h>
 #include <workbench/icons.h>
-#include <workbench/item_hover_text.h>
 #include <workbench/main_window.h>
 #include <workbench/navigation.h>
 #include <workbench/overview_strip.h>
 #include <workbench/theme.h>
+#include <workbench/view_settings.h>
+#include <workbench/warnings_button.h>
 
 using namespace VeskTimeline;
 using Workbench::MainWindow;
@@ -46,14 +52,18 @@ QStringList texts(const QList<Kit::FileError>& errors)
     return lines;
 }
 
-// All that the status bar shows, in order.
+// All that the status bar shows, in order, once it is up to date.
 QStringList statusTexts(const MainWindow& window)
 {
+    QCoreApplication::processEvents();
     QStringList shown;
     for (const QLabel* const label : window.statusBar()->findChildren<QLabel*>()) {
-        if (label->isVisibleTo(window.statusBar()))
+        if (label->isVisibleTo(window.statusBar()) && !label->text().isEmpty())
             shown.append(label->text());
     }
+    const auto* const warnings = window.findChild<Workbench::WarningsButton*>();
+    if (warnings->isVisibleTo(window.statusBar()))
+        shown.append(warnings->text());
     return shown;
 }
 
@@ -118,7 +128,7 @@ private Q_SLOTS:
         QCOMPARE(window.timeline()->zoomFactor(), Zoom::OneDay);
         QCOMPARE(window.timeline()->slider()->minimum(), int(sampleStart / 1000));
         QCOMPARE(window.timeline()->slider()->maximum(), int((sampleEnd - day) / 1000));
-        QCOMPARE(statusTexts(window), QStringList{"9 tracks, 105 items, 1972-12-07T05:33:00Z – 1972-12-19T20:15:35Z"});
+        QCOMPARE(statusTexts(window), QStringList{"9 tracks, 105 items, 1972-12-07 05:33:00Z – 1972-12-19 20:15:35Z"});
     }
 
     void everythingIsSwitchedOn()
@@ -128,7 +138,6 @@ private Q_SLOTS:
         QVERIFY(window.timeline()->header()->isIndicatorVisible());
         QVERIFY(window.timeline()->header()->isHoverVisible());
         QVERIFY(window.timeline()->header()->isLimitsVisible());
-        QVERIFY(window.timeline()->isCursorTextVisible());
         QVERIFY(window.timeline()->isSnapEnabled());
         QVERIFY(window.model()->isEditable());
         QVERIFY(window.model()->track(1)->hasInsertButton());
@@ -201,7 +210,7 @@ private Q_SLOTS:
         QCOMPARE(window.windowTitle(), "apollo17.csv and 1 more[*] – VeskTimeline Workbench");
         QCOMPARE(window.model()->rowCount(), 2);
         QCOMPARE(statusTexts(window),
-                 (QStringList{"12 tracks, 106 items, 1972-12-07T05:33:00Z – 1972-12-19T20:15:35Z", "1 warning"}));
+                 (QStringList{"12 tracks, 106 items, 1972-12-07 05:33:00Z – 1972-12-19 20:15:35Z", "1 warning"}));
     }
 
     void aLongTimelineIsPagedThroughWithoutEmptyParts()
@@ -214,7 +223,7 @@ private Q_SLOTS:
                                    QByteArray::number(240 * day + 1000) + ',' + QByteArray::number(241 * day) + '\n')});
         QCOMPARE(window.timeline()->startTime(), 0);
         QCOMPARE(window.navigation()->reach().end, 241 * day);
-        QCOMPARE(statusTexts(window), QStringList{"1 track, 3 items, 1970-01-01T00:00:00Z – 1970-08-30T00:00:00Z"});
+        QCOMPARE(statusTexts(window), QStringList{"1 track, 3 items, 1970-01-01 00:00:00Z – 1970-08-30 00:00:00Z"});
         QAction* const next = action(window, "next_part");
         QAction* const previous = action(window, "previous_part");
         QVERIFY(next->isEnabled() && !previous->isEnabled());
@@ -332,9 +341,9 @@ private Q_SLOTS:
         window.timeline()->view()->selectItems({0, 1}, true);
         window.model()->removeTrack(1);
         QCOMPARE(window.timeline()->view()->selectedItemIds(), QList<int>{1});
-        QVERIFY(statusTexts(window).first().startsWith("1 track, 1 item,"));
+        QVERIFY(statusTexts(window).last().startsWith("1 track, 1 item,"));
         window.model()->onInsertTrack(window.model()->index(0, 0));
-        QVERIFY(statusTexts(window).first().startsWith("2 tracks, 1 item,"));
+        QVERIFY(statusTexts(window).last().startsWith("2 tracks, 1 item,"));
     }
 
     void theMouseIsToldWhatItIsOn()
@@ -344,19 +353,27 @@ private Q_SLOTS:
         window.show();
         QCoreApplication::processEvents();
         TimelineView* const view = window.timeline()->view();
-        const auto* const hover = view->findChild<Workbench::ItemHoverText*>();
+        const auto* const hover = view->findChild<Kit::LabelledItemToolTips*>();
         QVERIFY(hover);
         const int y = view->visualRect(window.model()->index(0, 1)).center().y();
         const auto textAt = [&](qint64 time, int offset = 0) {
-            return hover->textAt({view->toPixel(time) + offset, y});
+            QTextDocument document;
+            document.setHtml(hover->textAt({view->toPixel(time) + offset, y}));
+            return document.toPlainText().trimmed();
         };
-        QCOMPARE(textAt(900000), "bar (1970-01-01T00:00:00Z – 1970-01-01T00:30:00Z)");
-        QCOMPARE(textAt(2700000), "point (1970-01-01T00:45:00Z)");
-        QCOMPARE(textAt(2700000, 4), "point (1970-01-01T00:45:00Z)");
-        QCOMPARE(textAt(2700000, -5), QString());
+        const QString bar = "bar\nStart\n1970-01-01 00:00:00Z\nEnd\n1970-01-01 00:30:00Z\nDuration\n00:30:00\nTrack\nA";
+        QCOMPARE(textAt(900000), bar);
+        QVERIFY(textAt(2700000).startsWith("point\nStart\n1970-01-01 00:45:00Z\n"));
+        QVERIFY(textAt(2700000, 5).startsWith("point\n"));
+        QCOMPARE(textAt(2700000, -6), QString());
         QCOMPARE(textAt(2200000), QString());
         QCOMPARE(hover->textAt({5, y}), QString());
         QCOMPARE(hover->textAt({view->toPixel(900000), y + 300}), QString());
+
+        window.viewSettings()->setZone('B');
+        const QString elsewhere = textAt(900000);
+        window.viewSettings()->setZone('Z');
+        QVERIFY2(elsewhere.contains("1970-01-01 02:30:00B"), qPrintable(elsewhere));
     }
 
     void iconsCanBeDrawnAndSeenOnLightAndDarkGround_data()
@@ -396,10 +413,33 @@ private Q_SLOTS:
     void allIconsAreThere()
     {
         MainWindow window;
-        for (const char* const name : {"open", "pnx_zoom_in", "pnx_zoom_out", "fit", "first_item", "last_item",
-                                       "previous_part", "next_part", "snap"})
+        for (const char* const name : {"open", "save", "undo", "redo", "pnx_zoom_in", "pnx_zoom_out", "fit", "find",
+                                       "first_item", "last_item", "previous_part", "next_part", "snap", "inspector"})
             QVERIFY2(!action(window, name)->icon().isNull(), name);
         QVERIFY(!window.windowIcon().isNull());
+    }
+
+    void theToolBarFitsInTheWindow()
+    {
+        MainWindow window;
+        window.show();
+        const auto* const bar = window.findChild<QToolBar*>("toolBar");
+        QCOMPARE(window.width(), 1440);
+        QVERIFY2(bar->sizeHint().width() <= window.width(), qPrintable(QString::number(bar->sizeHint().width())));
+        for (const char* const name : {"open", "save", "find", "inspector", "undo"}) {
+            const auto* const button = qobject_cast<QToolButton*>(bar->widgetForAction(action(window, name)));
+            QVERIFY2(button && button->isVisible(), name);
+            QCOMPARE(button->toolButtonStyle(),
+                     qstrcmp(name, "undo") == 0 ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
+        }
+    }
+
+    void theInspectorLeavesTheTimelineItsRoom()
+    {
+        MainWindow window;
+        window.show();
+        const auto* const dock = window.findChild<QDockWidget*>("inspectorDock");
+        QTRY_VERIFY2(qAbs(dock->width() - 270) <= 20, qPrintable(QString::number(dock->width())));
     }
 
 private:

@@ -6,12 +6,14 @@
 #include <QApplication>
 #include <QImage>
 #include <QLineEdit>
+#include <QMenu>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <workbench/icons.h>
 #include <workbench/main_window.h>
 #include <workbench/shortcut_page.h>
@@ -113,6 +115,35 @@ private Q_SLOTS:
         for (int i = 0; i < list->topLevelItemCount(); ++i)
             shown += list->topLevelItem(i)->isHidden() ? 0 : 1;
         QCOMPARE(shown, 1);
+    }
+
+    void everyEntryOfTheMenusThatHasAShortcutIsListed()
+    {
+        MainWindow window;
+        const QStringList lines = ShortcutPage(window).text().split('\n');
+        int listed = 0;
+        for (const QAction* const action : window.findChildren<QAction*>()) {
+            const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+            // Fields have entries of their own for what they do with text.
+            if (keys.isEmpty() || !action->isVisible() || !qobject_cast<QMenu*>(action->parent()))
+                continue;
+            const QString effect = action->text().remove('&');
+            const bool isListed = std::any_of(lines.begin(), lines.end(), [&](const QString& line) {
+                return line.contains(keys) && line.endsWith("  " + effect);
+            });
+            QVERIFY2(isListed, qPrintable(keys + ' ' + effect));
+            ++listed;
+        }
+        QVERIFY2(listed > 25, qPrintable(QString::number(listed)));
+    }
+
+    void thePageTellsOfTheGestures()
+    {
+        MainWindow window;
+        const QString text = ShortcutPage(window).text();
+        for (const char* const gesture : {"Double click on an empty place", "Shift while dragging", "Overview strip",
+                                          "Drag an edge of the frame", "Find bar", "Shift+Return"})
+            QVERIFY2(text.contains(gesture), gesture);
     }
 };
 
