@@ -73,6 +73,8 @@ public:
     /// Adds a document's tracks and items, in one step; a track whose path is there already is used. Times are taken as
     /// they are.
     void addDocument(const Document& document);
+    /// The same with less to do here.
+    void addDocument(PreparedDocument&& document);
     /// What the model holds, tracks from top to bottom. Of siblings with the same name all but the first are given
     /// another one, with a warning, since a document tells tracks by their paths.
     Document document() const;
@@ -118,7 +120,8 @@ public:
     /// ids.
     /// @param duration milliseconds, not negative, or DocumentItem::openEnded
     void retimeItem(int itemId, qint64 start, qint64 duration);
-    /// Sets the times of several items, as retimeItem(), in one step. @return their ids afterwards
+    /// Sets the times of several items, as retimeItem(), in one step; one that is listed twice counts once, as listed
+    /// first. @return their ids afterwards
     QVector<int> retimeItems(const QVector<ItemTimes>& times);
     /// Moves items to a track, at the times they have, in one step.
     void moveItemsToTrack(const QVector<int>& itemIds, int trackId);
@@ -202,21 +205,30 @@ private:
     Items makeItems(const Track& track, const std::vector<DocumentItem>& sources, QVector<int>* ids);
     void putNewItems(int trackId, Items&& items);
     int addNewTrack(int parentTrackId, int row, const QString& name, const QColor& color);
-    int childNamed(int parentTrackId, const QString& name, const QColor& color);
+    struct NewNumbers;
+    void addTree(Tracks&& tracks, const NewNumbers& numbers);
+    void renumber(Track& added, const NewNumbers& numbers);
+    void renumberSubtree(Track& added, const NewNumbers& numbers);
+    static const Track* childNamed(const Track& parent, const QString& name);
 
     void removeFromModel(const QVector<int>& itemIds);
     void dropCopies(const Track& from, const QSet<int>& itemIds, const Track* stillBelow);
     std::vector<int> positionsOf(int trackId, const QVector<int>& itemIds) const;
     static std::vector<int> positionsBehind(const Items& own, const std::vector<const Item*>& items);
     static void settle(Item& item, const Track& track);
-    QVector<int> retimeOne(const ItemTimes& times);
-    QVector<int> piecesOf(int itemId) const;
+    bool retimeBar(const ItemTimes& times);
+    QHash<int, QVector<int>> retimeWholes(const QVector<ItemTimes>& times);
+    QVector<int> piecesOf(int itemId) const { return piecesOfEach({itemId}).value(itemId); }
+    QHash<int, QVector<int>> piecesOfEach(const QVector<int>& itemIds) const;
+    QVector<int> withAllPieces(const QVector<int>& itemIds) const;
+    ItemTimes timesOf(int itemId, const QVector<int>& pieces) const;
     template <typename Body>
     void changeDetails(StepKind kind, const QVector<int>& itemIds, const Body& body);
     template <typename Body>
     void recordItem(Item& item, const Body& body);
     bool isRecorded(const Track& track, const Item& item) const;
     void moveUnrecorded(int itemId, int trackId, qint64 time);
+    void moveInOrder(LabelledItem& item, int trackId, qint64 time);
     void labelCopies(const QVector<int>& itemIds);
     void recordPasted(int firstNewId);
 

@@ -9,15 +9,18 @@ void StandardTimelineModel::changeDetails(StepKind kind, const QVector<int>& ite
         item(id);
     const QVector<int> separate = withoutFurtherPieces(itemIds);
     StepScope scope(*d, kind);
-    for (const int whole : separate) {
-        for (const int id : piecesOf(whole)) {
-            const ItemState before = d->contents.itemState(id);
-            ItemState after = before;
-            body(after.details);
-            if (!(after == before))
-                d->perform(std::make_unique<ItemChange>(id, std::move(after)));
-        }
+    std::vector<std::pair<int, ItemDetails>> changed;
+    for (const int id : withAllPieces(separate)) {
+        const ItemDetails before = ModelContents::itemDetails(*item(id));
+        ItemDetails after = before;
+        body(after);
+        if (after == before)
+            continue;
+        changed.emplace_back(id, std::move(after));
+        d->step->noteItem(id);
     }
+    if (!changed.empty())
+        d->perform(std::make_unique<ItemDetailsChange>(std::move(changed)));
 }
 
 void StandardTimelineModel::setItemsLabel(const QVector<int>& itemIds, const QString& label)

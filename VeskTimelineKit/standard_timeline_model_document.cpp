@@ -42,23 +42,77 @@ void StandardTimelineModel::setDocument(PreparedDocument&& document)
         disposeInBackground(std::move(*tree));
 }
 
-int StandardTimelineModel::childNamed(int parentTrackId, const QString& name, const QColor& color)
+const Track* StandardTimelineModel::childNamed(const Track& parent, const QString& name)
 {
-    const Tracks& children = track(parentTrackId)->tracks();
-    const auto found = std::find_if(children.begin(), children.end(),
+    const auto found = std::find_if(parent.tracks().begin(), parent.tracks().end(),
                                     [&name](const TrackPtr& child) { return child->text() == name; });
-    return found != children.end() ? (*found)->id() : addNewTrack(parentTrackId, -1, name, color);
+    return found != parent.tracks().end() ? found->get() : nullptr;
 }
 
 void StandardTimelineModel::addDocument(const Document& document)
 {
-    StepScope scope(*d, StepKind::Other, tr("Add %n tracks", nullptr, static_cast<int>(document.tracks().size())));
-    QHash<QStringList, int> trackIds{{QStringList(), m_rootTrack.id()}};
-    for (const DocumentTrack& source : document.tracks()) {
-        const int parentId = trackIds.value(source.path.first(source.path.size() - 1));
-        const int trackId = childNamed(parentId, source.path.last(), source.color);
-        trackIds.insert(source.path, trackId);
-        putNewItems(trackId, makeItems(*track(trackId), source.items, nullptr));
+    addDocument(PreparedDocument(document));
+}
+
+void StandardTimelineModel::addDocument(PreparedDocument&& document)
+{
+    Q_ASSERT(document.m_tree);
+    const std::unique_ptr<ModelTree> tree = std::move(document.m_tree);
+    StepScope scope(*d, StepKind::Other, tr("Add %n tracks", nullptr, static_cast<int>(tree->trackCache.size())));
+    // Parents come before their children.
+    QHash<int, int> newIds{{m_rootTrack.id(), m_rootTrack.id()}};
+    for (const auto& [id, added] : tree->trackCache) {
+        const auto parent = m_trackCache.find(newIds.value(added->parentId()));
+        const Track* const same = parent != m_trackCache.end() ? childNamed(*parent->second, added->text()) : nullptr;
+        newIds.insert(id, same ? same->id() : nextFreeTrackId());
+    }
+    const NewNumbers numbers{newIds, std::exchange(m_currentItemId, m_currentItemId + tree->nextItemId),
+                             std::exchange(d->nextWhole, d->nextWhole + tree->nextWhole)};
+    addTree(std::move(tree->tracks), numbers);
+    if (tree->itemCache.size() >= manyItems)
+        disposeInBackground(std::move(*tree));
+}
+
+// A track that is in no model yet, and its items, which may come to be on another track of the same id.
+void StandardTimelineModel::renumber(Track& added, const NewNumbers& numbers)
+{
+    auto& standard = dynamic_cast<StandardTrack&>(added);
+    standard.setIds(numbers.trackIds.value(added.id()), numbers.trackIds.value(added.parentId()));
+    const Track* const existing = ModelContents::findTrack(*this, added.id());
+    const QColor color = ModelContents::colorOf(existing ? *existing : added);
+    for (const ItemPtr& item : added.items()) {
+        auto& labelled = dynamic_cast<LabelledItem&>(*item);
+        labelled.setIds(numbers.firstItemId + item->id(), added.id());
+        if (!labelled.hasOwnColor())
+            labelled.setColor(color);
+        ItemPiece piece = labelled.piece();
+        if (!piece.isPiece())
+            continue;
+        piece.whole += numbers.firstWhole;
+        labelled.setPiece(piece);
+    }
+}
+
+void StandardTimelineModel::renumberSubtree(Track& added, const NewNumbers& numbers)
+{
+    renumber(added, numbers);
+    for (const TrackPtr& child : added.tracks())
+        renumberSubtree(*child, numbers);
+}
+
+// What is new goes in as a whole, with all that is below.
+void StandardTimelineModel::addTree(Tracks&& tracks, const NewNumbers& numbers)
+{
+    for (TrackPtr& added : tracks) {
+        if (ModelContents::findTrack(*this, numbers.trackIds.value(added->id()))) {
+            renumber(*added, numbers);
+            putNewItems(added->id(), std::move(added->items()));
+            addTree(std::move(added->tracks()), numbers);
+            continue;
+        }
+        renumberSubtree(*added, numbers);
+        const TrackPlace place{added->parentId(), track(added->parentId())->trackCount()};
+        d->perform(std::make_unique<TrackChange>(place, std::move(added)));
     }
 }
 

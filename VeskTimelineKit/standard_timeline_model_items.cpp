@@ -99,6 +99,10 @@ bool StandardTimelineModel::isRecorded(const Track& track, const Item& item) con
 
 void StandardTimelineModel::setItemStartTime(Track& track, Item& item, qint64 time)
 {
+    if (d->isUnrecorded) {
+        d->contents.setStartInOrder(track, item, time);
+        return;
+    }
     if (!isRecorded(track, item)) {
         TimelineModel::setItemStartTime(track, item, time);
         return;
@@ -119,12 +123,24 @@ void StandardTimelineModel::setItemDuration(Track& track, Item& item, int durati
     recordItem(item, [&] { item._setDuration(std::max(duration, minimumDuration())); });
 }
 
-// The library's own operation, which writes the start time through the virtual one.
+// What the library does, which would go through both tracks for each item.
+void StandardTimelineModel::moveInOrder(LabelledItem& item, int trackId, qint64 time)
+{
+    Track& to = *track(trackId);
+    to.addItem(d->contents.takeItem(item.parentTrackId(), d->contents.positionOf(item)));
+    setItemStartTime(to, item, time);
+    item.setIds(item.id(), trackId);
+}
+
+// The start time is written through the virtual operation.
 void StandardTimelineModel::moveUnrecorded(int itemId, int trackId, qint64 time)
 {
     const bool wasUnrecorded = std::exchange(d->isUnrecorded, true);
     try {
-        TimelineModel::moveItemToTrack(itemId, trackId, time);
+        if (auto* const labelled = dynamic_cast<LabelledItem*>(item(itemId)))
+            moveInOrder(*labelled, trackId, time);
+        else
+            TimelineModel::moveItemToTrack(itemId, trackId, time);
     } catch (...) {
         d->isUnrecorded = wasUnrecorded;
         throw;

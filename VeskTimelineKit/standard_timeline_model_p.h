@@ -45,6 +45,14 @@ struct StandardTimelineModelPrivate
     bool isUnrecorded = false;
 };
 
+/// What the tracks and items of a document that is added are called in the model.
+struct StandardTimelineModel::NewNumbers
+{
+    const QHash<int, int>& trackIds; ///< by those that they have in the document alone, the root's among them
+    int firstItemId;
+    int firstWhole;
+};
+
 /// While it lives, changes go into one step, which the outermost scope pushes, also when an exception ends it: what has
 /// been done can be undone.
 class StepScope

@@ -1,32 +1,67 @@
+#include "document_of_tracks_p.h"
 #include "standard_timeline_model_p.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace VeskTimeline::Kit {
 
-// The item itself when it is no piece.
-QVector<int> StandardTimelineModel::piecesOf(int itemId) const
+namespace {
+
+// Up to so many, putting each into its track at once is cheapest.
+constexpr int fewItems = 50;
+
+} // namespace
+
+// Of an item that is no piece, the item itself. Goes once through each track that has pieces among them.
+QHash<int, QVector<int>> StandardTimelineModel::piecesOfEach(const QVector<int>& itemIds) const
 {
-    const LabelledItem* const labelled = labelledItem(itemId);
-    if (!labelled || !labelled->piece().isPiece())
-        return {itemId};
-    QVector<int> ids;
-    for (const ItemPtr& other : track(labelled->parentTrackId())->items()) {
-        const auto* const piece = dynamic_cast<const LabelledItem*>(other.get());
-        if (piece && piece->piece().whole == labelled->piece().whole)
-            ids.append(piece->id());
+    std::map<int, QHash<int, QVector<int>>> wholes;
+    for (const int id : itemIds) {
+        const LabelledItem* const labelled = labelledItem(id);
+        if (labelled && labelled->piece().isPiece())
+            wholes[labelled->parentTrackId()];
     }
-    return ids;
+    for (auto& [trackId, byWhole] : wholes) {
+        for (const ItemPtr& other : track(trackId)->items()) {
+            const auto* const piece = dynamic_cast<const LabelledItem*>(other.get());
+            if (piece && piece->piece().isPiece())
+                byWhole[piece->piece().whole].append(piece->id());
+        }
+    }
+    QHash<int, QVector<int>> pieces;
+    pieces.reserve(itemIds.size());
+    for (const int id : itemIds) {
+        const LabelledItem* const labelled = labelledItem(id);
+        const bool isPiece = labelled && labelled->piece().isPiece();
+        pieces.insert(id,
+                      isPiece ? wholes[labelled->parentTrackId()].value(labelled->piece().whole) : QVector<int>{id});
+    }
+    return pieces;
 }
 
-ItemTimes StandardTimelineModel::itemTimes(int itemId) const
+QVector<int> StandardTimelineModel::withAllPieces(const QVector<int>& itemIds) const
 {
-    const QVector<int> pieces = piecesOf(itemId);
+    const QHash<int, QVector<int>> pieces = piecesOfEach(itemIds);
+    QVector<int> all;
+    all.reserve(itemIds.size());
+    for (const int id : itemIds)
+        all += pieces.value(id);
+    return all;
+}
+
+ItemTimes StandardTimelineModel::timesOf(int itemId, const QVector<int>& pieces) const
+{
     const Item* const first = item(pieces.first());
     ItemTimes times{itemId, first->startTime(), first->duration()};
     for (const int id : pieces.sliced(1))
         times.duration += item(id)->duration();
     return times;
+}
+
+ItemTimes StandardTimelineModel::itemTimes(int itemId) const
+{
+    return timesOf(itemId, piecesOf(itemId));
 }
 
 // Without the later ones of pieces that belong together, unless they are told apart by their tracks.
@@ -48,29 +83,53 @@ QVector<int> StandardTimelineModel::withoutFurtherPieces(const QVector<int>& ite
     return kept;
 }
 
-QVector<int> StandardTimelineModel::retimeOne(const ItemTimes& times)
+// @return false for what comes in pieces, or will
+bool StandardTimelineModel::retimeBar(const ItemTimes& times)
 {
-    Item* const retimed = item(times.itemId);
+    Item& retimed = *item(times.itemId);
+    const auto* const labelled = dynamic_cast<const LabelledItem*>(&retimed);
     const qint64 length = std::max<qint64>(times.duration, DocumentItem::openEnded);
-    const ItemState state = d->contents.itemState(times.itemId);
-    if (length <= DocumentItem::longestBar && !state.details.piece.isPiece()) {
-        recordItem(*retimed, [&] { d->contents.setTimes(*retimed, times.start, static_cast<int>(length)); });
-        return {times.itemId};
+    if (length > DocumentItem::longestBar || (labelled && labelled->piece().isPiece()))
+        return false;
+    recordItem(retimed, [&] { d->contents.setTimes(retimed, times.start, static_cast<int>(length)); });
+    return true;
+}
+
+// @return the ids afterwards, by those that stood for them
+QHash<int, QVector<int>> StandardTimelineModel::retimeWholes(const QVector<ItemTimes>& times)
+{
+    QVector<int> wholeIds;
+    for (const ItemTimes& one : times)
+        wholeIds.append(one.itemId);
+    QHash<int, QVector<int>> ids = piecesOfEach(wholeIds);
+    QVector<int> removed;
+    std::map<int, std::vector<std::pair<int, DocumentItem>>> added;
+    for (const ItemTimes& one : times) {
+        const qint64 length = std::max<qint64>(one.duration, DocumentItem::openEnded);
+        const QVector<int>& pieces = ids[one.itemId];
+        const ItemTimes before = timesOf(one.itemId, pieces);
+        if (before.start == one.start && before.duration == length)
+            continue;
+        DocumentItem whole = documentItemOf(*item(one.itemId));
+        whole.start = one.start;
+        whole.duration = length;
+        added[item(one.itemId)->parentTrackId()].emplace_back(one.itemId, std::move(whole));
+        removed += pieces;
     }
-    const ItemTimes before = itemTimes(times.itemId);
-    const QVector<int> pieces = piecesOf(times.itemId);
-    if (before.start == times.start && before.duration == length)
-        return pieces;
-    const DocumentItem whole{state.details.label,
-                             times.start,
-                             length,
-                             state.details.color,
-                             state.details.isEditable,
-                             state.details.description,
-                             state.details.attributes};
-    QVector<int> ids;
-    removeFromModel(pieces);
-    putNewItems(state.trackId, makeItems(*track(state.trackId), {whole}, &ids));
+    removeFromModel(removed);
+    for (const auto& [trackId, wholes] : added) {
+        Items items;
+        for (const auto& [id, whole] : wholes) {
+            QVector<int> newIds;
+            Items pieces = makeItems(*track(trackId), {whole}, &newIds);
+            std::move(pieces.begin(), pieces.end(), std::back_inserter(items));
+            ids[id] = newIds;
+        }
+        std::stable_sort(items.begin(), items.end(), [](const ItemPtr& left, const ItemPtr& right) {
+            return left->startTime() < right->startTime();
+        });
+        putNewItems(trackId, std::move(items));
+    }
     return ids;
 }
 
@@ -81,24 +140,33 @@ void StandardTimelineModel::retimeItem(int itemId, qint64 start, qint64 duration
 
 QVector<int> StandardTimelineModel::retimeItems(const QVector<ItemTimes>& times)
 {
-    bool isResized = false;
     QVector<int> ids;
-    for (const ItemTimes& one : times) {
-        isResized |= itemTimes(one.itemId).duration != std::max<qint64>(one.duration, DocumentItem::openEnded);
+    for (const ItemTimes& one : times)
         ids.append(one.itemId);
-    }
+    const QHash<int, QVector<int>> pieces = piecesOfEach(ids);
+    const bool isResized = std::any_of(times.begin(), times.end(), [&](const ItemTimes& one) {
+        const qint64 length = std::max<qint64>(one.duration, DocumentItem::openEnded);
+        return timesOf(one.itemId, pieces.value(one.itemId)).duration != length;
+    });
     const QVector<int> separate = withoutFurtherPieces(ids);
-    const QSet<int> taken(separate.begin(), separate.end());
+    QSet<int> left(separate.begin(), separate.end());
     // Named here: a long item's new pieces are no items that were resized.
     const auto count = static_cast<int>(separate.size());
     const QString resize = count == 1 ? tr("Resize item") : tr("Resize %n items", nullptr, count);
     const QString move = count == 1 ? tr("Move item") : tr("Move %n items", nullptr, count);
     StepScope scope(*d, StepKind::Other, isResized ? resize : move);
-    QVector<int> result;
+    QVector<ItemTimes> wholes;
+    if (count > fewItems)
+        d->contents.beginMany();
     for (const ItemTimes& one : times) {
-        if (taken.contains(one.itemId))
-            result.append(retimeOne(one));
+        if (left.remove(one.itemId) && !retimeBar(one))
+            wholes.append(one);
     }
+    d->contents.settle();
+    const QHash<int, QVector<int>> newIds = retimeWholes(wholes);
+    QVector<int> result;
+    for (const int id : separate)
+        result += newIds.value(id, {id});
     return result;
 }
 
@@ -116,10 +184,8 @@ void StandardTimelineModel::moveItemsToTrack(const QVector<int>& itemIds, int tr
     const Track& target = *track(trackId);
     QVector<int> ids;
     QVector<int> foreign;
-    for (const int id : withoutFurtherPieces(itemIds)) {
-        for (const int piece : piecesOf(id))
-            (labelledItem(piece) ? ids : foreign).append(piece);
-    }
+    for (const int id : withAllPieces(withoutFurtherPieces(itemIds)))
+        (labelledItem(id) ? ids : foreign).append(id);
     StepScope scope(*d, StepKind::Move);
     for (const auto& [fromId, group] : itemsByTrack(*this, ids)) {
         if (fromId == trackId)

@@ -39,6 +39,12 @@ public:
         m_color = details.color;
     }
     void setParentId(int parentId) { m_parentId = parentId; }
+    /// For a track that is in no model yet.
+    void setIds(int id, int parentId)
+    {
+        m_id = id;
+        m_parentId = parentId;
+    }
 
 private:
     QColor m_color;

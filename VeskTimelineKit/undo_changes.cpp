@@ -12,6 +12,12 @@ void ItemChange::swap(ModelContents& contents)
     m_other = std::move(here);
 }
 
+void ItemDetailsChange::swap(ModelContents& contents)
+{
+    for (auto& [itemId, details] : m_others)
+        details = contents.swapItemDetails(itemId, details);
+}
+
 // Forgetting a step must not hold the window up that may have deleted a million items.
 ItemsChange::~ItemsChange()
 {

@@ -37,6 +37,19 @@ private:
     ItemState m_other;
 };
 
+/// What several items say.
+class ItemDetailsChange : public Change
+{
+public:
+    /// @param others what they do not say, by item id
+    explicit ItemDetailsChange(std::vector<std::pair<int, ItemDetails>> others) : m_others(std::move(others)) {}
+
+    void swap(ModelContents& contents) override;
+
+private:
+    std::vector<std::pair<int, ItemDetails>> m_others;
+};
+
 /// Items of one track that are there on one side only; while they are not, the change owns them.
 class ItemsChange : public Change
 {

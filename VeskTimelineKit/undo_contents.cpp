@@ -25,10 +25,44 @@ void moveWithin(Items& items, int from, int to)
 {
     const auto here = at(items, from);
     const auto there = at(items, std::min(to, static_cast<int>(items.size()) - 1));
+    if (here == there)
+        return;
+    // A rotation would swap, which costs twice as much.
+    ItemPtr moved = std::move(*here);
     if (there < here)
-        std::rotate(there, here, here + 1);
-    else if (here < there)
-        std::rotate(here, here + 1, there + 1);
+        std::move_backward(there, here, here + 1);
+    else
+        std::move(here + 1, there + 1, here);
+    *there = std::move(moved);
+}
+
+void takeFrom(Items& items, const Positions& positions, Items& taken)
+{
+    Items kept;
+    kept.reserve(items.size());
+    auto next = positions.begin();
+    int position = 0;
+    for (ItemPtr& item : items) {
+        const bool isTaken = next != positions.end() && *next == position++;
+        (isTaken ? taken : kept).push_back(std::move(item));
+        if (isTaken)
+            ++next;
+    }
+    items = std::move(kept);
+}
+
+void putInto(Items& own, const Positions& positions, Items&& items)
+{
+    Items merged;
+    merged.reserve(own.size() + items.size());
+    std::size_t next = 0;
+    for (ItemPtr& item : own) {
+        while (next < items.size() && static_cast<std::size_t>(positions[next]) == merged.size())
+            merged.push_back(std::move(items[next++]));
+        merged.push_back(std::move(item));
+    }
+    std::move(items.begin() + static_cast<std::ptrdiff_t>(next), items.end(), std::back_inserter(merged));
+    own = std::move(merged);
 }
 
 } // namespace
@@ -45,33 +79,75 @@ const Track* ModelContents::findTrack(const StandardTimelineModel& model, int tr
     return found != model.m_trackCache.end() ? found->second : nullptr;
 }
 
+// Null where changes go to the track at once.
+ItemBlocks* ModelContents::blocksOf(int trackId) const
+{
+    if (!m_isMany)
+        return nullptr;
+    const auto found = m_blocks.find(trackId);
+    if (found != m_blocks.end())
+        return &found->second;
+    return &m_blocks.emplace(trackId, ItemBlocks(std::move(m_model.track(trackId)->items()))).first->second;
+}
+
+void ModelContents::settle()
+{
+    m_isMany = false;
+    for (auto& [trackId, blocks] : std::exchange(m_blocks, {}))
+        m_model.track(trackId)->items() = std::move(blocks).items();
+}
+
 int ModelContents::positionOf(const Item& item) const
 {
-    const Items& items = m_model.track(item.parentTrackId())->items();
+    if (const ItemBlocks* const blocks = blocksOf(item.parentTrackId()))
+        return blocks->positionOf(item);
+    return positionIn(m_model.track(item.parentTrackId())->items(), item);
+}
+
+int ModelContents::positionIn(const Items& items, const Item& item) const
+{
     const auto isSame = [&item](const ItemPtr& other) { return other.get() == &item; };
+    for (int position = std::max(m_lastPosition - 1, 0); position <= m_lastPosition + 1; ++position) {
+        if (static_cast<std::size_t>(position) < items.size() && isSame(items[static_cast<std::size_t>(position)]))
+            return m_lastPosition = position;
+    }
     const auto first = std::lower_bound(items.begin(), items.end(), item.startTime(),
                                         [](const ItemPtr& other, qint64 time) { return other->startTime() < time; });
     auto found = std::find_if(first, items.end(), isSame);
     if (found == items.end())
         found = std::find_if(items.begin(), first, isSame);
-    return static_cast<int>(found - items.begin());
+    return m_lastPosition = static_cast<int>(found - items.begin());
+}
+
+ItemDetails ModelContents::itemDetails(const Item& item)
+{
+    ItemDetails details;
+    details.color = item.color();
+    details.isEditable = item.isEditable();
+    if (const auto* const labelled = dynamic_cast<const LabelledItem*>(&item)) {
+        details.label = labelled->plainLabel();
+        details.description = labelled->description();
+        details.attributes = labelled->attributes();
+        details.piece = labelled->piece();
+        if (!labelled->hasOwnColor())
+            details.color = QColor();
+    }
+    return details;
 }
 
 ItemState ModelContents::itemState(int itemId) const
 {
     const Item& item = *std::as_const(m_model).item(itemId);
-    ItemState state{item.parentTrackId(), positionOf(item), item.startTime(), item.duration()};
-    state.details.color = item.color();
-    state.details.isEditable = item.isEditable();
-    if (const auto* const labelled = dynamic_cast<const LabelledItem*>(&item)) {
-        state.details.label = labelled->plainLabel();
-        state.details.description = labelled->description();
-        state.details.attributes = labelled->attributes();
-        state.details.piece = labelled->piece();
-        if (!labelled->hasOwnColor())
-            state.details.color = QColor();
-    }
-    return state;
+    return {item.parentTrackId(), positionOf(item), item.startTime(), item.duration(), itemDetails(item)};
+}
+
+ItemDetails ModelContents::swapItemDetails(int itemId, const ItemDetails& details)
+{
+    Item& item = *m_model.item(itemId);
+    ItemDetails before = itemDetails(item);
+    applyDetails(item, details, *m_model.track(item.parentTrackId()));
+    noteChanged(item, item.parentTrackId());
+    return before;
 }
 
 void ModelContents::applyDetails(Item& item, const ItemDetails& details, const Track& track)
@@ -91,57 +167,109 @@ void ModelContents::setItemState(int itemId, const ItemState& state)
 {
     Item& item = *m_model.item(itemId);
     const int formerTrackId = item.parentTrackId();
-    if (item.parentTrackId() != state.trackId)
-        m_model.moveUnrecorded(itemId, state.trackId, state.start);
-
-    Track& track = *m_model.track(state.trackId);
-    Items& items = track.items();
-    moveWithin(items, positionOf(item), state.position);
+    if (formerTrackId != state.trackId) {
+        moveToTrack(item, state.trackId, state);
+    } else if (ItemBlocks* const blocks = blocksOf(state.trackId)) {
+        blocks->put(state.position, blocks->take(blocks->positionOf(item)));
+    } else {
+        moveWithin(m_model.track(state.trackId)->items(), positionOf(item), state.position);
+    }
     item._setStartTime(state.start);
     item._setDuration(state.duration);
-    applyDetails(item, state.details, track);
+    applyDetails(item, state.details, *m_model.track(state.trackId));
     noteChanged(item, formerTrackId);
+}
+
+// Only the library can tell an item of another kind what track it is on.
+void ModelContents::moveToTrack(Item& item, int trackId, const ItemState& state)
+{
+    auto* const labelled = dynamic_cast<LabelledItem*>(&item);
+    if (!labelled) {
+        const bool isMany = m_isMany;
+        settle();
+        m_model.moveUnrecorded(item.id(), trackId, state.start);
+        moveWithin(m_model.track(trackId)->items(), positionOf(item), state.position);
+        m_isMany = isMany;
+        return;
+    }
+    ItemPtr taken = takeItem(item.parentTrackId(), positionOf(item));
+    StandardTimelineModel::settle(*taken, *m_model.track(trackId));
+    putItem(trackId, state.position, std::move(taken));
+}
+
+ItemPtr ModelContents::takeItem(int trackId, int position)
+{
+    if (ItemBlocks* const blocks = blocksOf(trackId))
+        return blocks->take(position);
+    Items& items = m_model.track(trackId)->items();
+    const auto found = items.begin() + position;
+    ItemPtr taken = std::move(*found);
+    items.erase(found);
+    return taken;
+}
+
+void ModelContents::putItem(int trackId, int position, ItemPtr&& item)
+{
+    if (ItemBlocks* const blocks = blocksOf(trackId)) {
+        blocks->put(position, std::move(item));
+        return;
+    }
+    Items& items = m_model.track(trackId)->items();
+    items.insert(at(items, position), std::move(item));
 }
 
 void ModelContents::setTimes(Item& item, qint64 start, int duration)
 {
-    Items& items = m_model.track(item.parentTrackId())->items();
-    const int from = positionOf(item);
-    const auto startsLater = [](qint64 time, const ItemPtr& other) { return time < other->startTime(); };
     item._setDuration(duration);
     if (start == item.startTime())
         return;
+    if (ItemBlocks* const blocks = blocksOf(item.parentTrackId())) {
+        ItemPtr taken = blocks->take(blocks->positionOf(item));
+        item._setStartTime(start);
+        blocks->put(blocks->positionBehind(start), std::move(taken));
+        return;
+    }
+    Items& items = m_model.track(item.parentTrackId())->items();
+    const int from = positionOf(item);
+    const auto startsLater = [](qint64 time, const ItemPtr& other) { return time < other->startTime(); };
     const auto here = items.begin() + from;
     // The others are in order on either side.
     const auto to = start > item.startTime() ? std::upper_bound(here + 1, items.end(), start, startsLater) - 1
                                              : std::upper_bound(items.begin(), here, start, startsLater);
     item._setStartTime(start);
-    moveWithin(items, from, static_cast<int>(to - items.begin()));
+    m_lastPosition = static_cast<int>(to - items.begin());
+    moveWithin(items, from, m_lastPosition);
+}
+
+// A sort that keeps equals in place leaves the item on the side that it comes from.
+void ModelContents::setStartInOrder(Track& track, Item& item, qint64 start)
+{
+    if (start == item.startTime())
+        return;
+    Items& items = track.items();
+    const int from = positionIn(items, item);
+    const auto startsLater = [](qint64 time, const ItemPtr& other) { return time < other->startTime(); };
+    const auto startsEarlier = [](const ItemPtr& other, qint64 time) { return other->startTime() < time; };
+    const auto here = items.begin() + from;
+    const auto to = start > item.startTime() ? std::lower_bound(here + 1, items.end(), start, startsEarlier) - 1
+                                             : std::upper_bound(items.begin(), here, start, startsLater);
+    item._setStartTime(start);
+    m_lastPosition = static_cast<int>(to - items.begin());
+    moveWithin(items, from, m_lastPosition);
 }
 
 Items ModelContents::takeItems(int trackId, const Positions& positions)
 {
     Track& track = *m_model.track(trackId);
-    Items& items = track.items();
     Items taken;
     taken.reserve(positions.size());
-    Items kept;
-    auto next = positions.begin();
-    if (positions.size() > 1)
-        kept.reserve(items.size());
-    if (positions.size() == 1) {
-        const auto found = items.begin() + positions.front();
-        taken.push_back(std::move(*found));
-        items.erase(found);
+    if (m_isMany || positions.size() == 1) {
+        // From the end: each is where it was until its turn.
+        for (auto position = positions.rbegin(); position != positions.rend(); ++position)
+            taken.push_back(takeItem(trackId, *position));
+        std::reverse(taken.begin(), taken.end());
     } else {
-        for (int position = 0; position < track.itemCount(); ++position) {
-            ItemPtr& item = items[static_cast<std::size_t>(position)];
-            const bool isTaken = next != positions.end() && *next == position;
-            (isTaken ? taken : kept).push_back(std::move(item));
-            if (isTaken)
-                ++next;
-        }
-        items = std::move(kept);
+        takeFrom(track.items(), positions, taken);
     }
     for (const ItemPtr& item : taken) {
         m_model.m_itemCache.erase(item->id());
@@ -153,26 +281,13 @@ Items ModelContents::takeItems(int trackId, const Positions& positions)
 
 void ModelContents::putItems(int trackId, const Positions& positions, Items&& items)
 {
-    Track& track = *m_model.track(trackId);
-    for (const ItemPtr& item : items) {
-        m_model.m_itemCache[item->id()] = item.get();
-        noteAdded(*item);
-    }
-    Items& own = track.items();
-    if (items.size() == 1) {
-        own.insert(at(own, positions.front()), std::move(items.front()));
+    noteAdded(items, *m_model.track(trackId));
+    if (!m_isMany && items.size() > 1) {
+        putInto(m_model.track(trackId)->items(), positions, std::move(items));
         return;
     }
-    Items merged;
-    merged.reserve(own.size() + items.size());
-    std::size_t next = 0;
-    for (ItemPtr& item : own) {
-        while (next < items.size() && static_cast<std::size_t>(positions[next]) == merged.size())
-            merged.push_back(std::move(items[next++]));
-        merged.push_back(std::move(item));
-    }
-    std::move(items.begin() + static_cast<std::ptrdiff_t>(next), items.end(), std::back_inserter(merged));
-    own = std::move(merged);
+    for (std::size_t i = 0; i < items.size(); ++i)
+        putItem(trackId, positions[i], std::move(items[i]));
 }
 
 void ModelContents::moveItems(int fromId, const Positions& fromPositions, int toId, const Positions& toPositions)
@@ -199,10 +314,8 @@ TrackPlace ModelContents::placeOf(const Track& track) const
 void ModelContents::enterSubtree(Track& track)
 {
     m_model.m_trackCache[track.id()] = &track;
-    for (const ItemPtr& item : track.items()) {
-        m_model.m_itemCache[item->id()] = item.get();
-        noteAdded(*item);
-    }
+    if (track.hasItems())
+        noteAdded(track.items(), track);
     for (const TrackPtr& child : track.tracks())
         enterSubtree(*child);
 }
@@ -220,6 +333,7 @@ void ModelContents::leaveSubtree(Track& track)
 
 TrackPtr ModelContents::takeTrack(const TrackPlace& place)
 {
+    settle();
     Track& parent = *m_model.track(place.parentId);
     Tracks& siblings = parent.tracks();
     m_model.beginRemoveRows(rowOf(parent), place.row, place.row);
@@ -233,6 +347,7 @@ TrackPtr ModelContents::takeTrack(const TrackPlace& place)
 
 void ModelContents::putTrack(const TrackPlace& place, TrackPtr&& track)
 {
+    settle();
     Track& parent = *m_model.track(place.parentId);
     Tracks& siblings = parent.tracks();
     m_model.beginInsertRows(rowOf(parent), place.row, place.row);
@@ -243,6 +358,7 @@ void ModelContents::putTrack(const TrackPlace& place, TrackPtr&& track)
 
 void ModelContents::moveTrack(int trackId, const TrackPlace& place)
 {
+    settle();
     auto& track = dynamic_cast<StandardTrack&>(*m_model.track(trackId));
     const TrackPlace from = placeOf(track);
     Track& oldParent = *m_model.track(from.parentId);
@@ -269,6 +385,7 @@ TrackDetails ModelContents::trackDetails(int trackId) const
 
 void ModelContents::setTrackDetails(int trackId, const TrackDetails& details)
 {
+    settle();
     auto& track = dynamic_cast<StandardTrack&>(*m_model.track(trackId));
     const bool isRecoloured = track.details().color != details.color;
     track.setDetails(details);
@@ -313,6 +430,22 @@ void ModelContents::noteAdded(const Item& item)
     touch(*m_model.track(item.parentTrackId()));
 }
 
+// New items have the ids that follow, so that each is beside the one before.
+void ModelContents::noteAdded(const Items& items, const Track& track)
+{
+    auto& cache = m_model.m_itemCache;
+    auto next = cache.lower_bound(items.front()->id());
+    for (const ItemPtr& item : items) {
+        next = cache.insert_or_assign(next, item->id(), item.get());
+        ++next;
+        if (m_removed.isEmpty() || !m_removed.remove(item->id()))
+            m_added.insert(item->id());
+        else
+            m_changed.insert(item->id());
+    }
+    touch(track);
+}
+
 void ModelContents::noteRemoved(int itemId)
 {
     m_changed.remove(itemId);
@@ -342,6 +475,7 @@ void ModelContents::touch(const Track& track)
 
 void ModelContents::announce()
 {
+    settle();
     const QVector<int> removed = sorted(std::exchange(m_removed, {}));
     const QVector<int> added = sorted(std::exchange(m_added, {}));
     const QVector<int> changed = sorted(std::exchange(m_changed, {}));

@@ -3,10 +3,13 @@
 // Internal to the kit; not installed.
 
 #include "standard_timeline_model_track_p.h"
+#include "undo_item_blocks_p.h"
 
 #include <VeskTimelineKit/labelled_item.h>
 
 #include <QSet>
+
+#include <map>
 
 namespace VeskTimeline::Kit {
 
@@ -68,11 +71,25 @@ public:
     static const Item* findItem(const StandardTimelineModel& model, int itemId);
     static const Track* findTrack(const StandardTimelineModel& model, int trackId);
 
+    /// For many changes that follow each other, as those of one step: they cost far less then. In between nobody may
+    /// look at the items of a track but through this object; announce() and settle() end it, and so does any change of
+    /// the track tree.
+    void beginMany() { m_isMany = true; }
+    /// Puts the items back in their tracks.
+    void settle();
+
     ItemState itemState(int itemId) const;
     void setItemState(int itemId, const ItemState& state);
+    static ItemDetails itemDetails(const Item& item);
+    /// What an item says, and nothing else of it. @return what it said before
+    ItemDetails swapItemDetails(int itemId, const ItemDetails& details);
     /// Sets the times and puts the item where it then belongs, behind those that start at the same time.
     void setTimes(Item& item, qint64 start, int duration);
+    /// As TimelineModel::setItemStartTime(), for a track that is in order and without going through all of it.
+    void setStartInOrder(Track& track, Item& item, qint64 start);
     int positionOf(const Item& item) const;
+    /// Takes an item out of its track, and no more: the model goes on knowing it.
+    ItemPtr takeItem(int trackId, int position);
 
     /// Takes items out of the model. @param positions in the track, ascending
     Items takeItems(int trackId, const Positions& positions);
@@ -103,7 +120,13 @@ public:
     void announce();
 
 private:
+    ItemBlocks* blocksOf(int trackId) const;
+    int positionIn(const Items& items, const Item& item) const;
+    void putItem(int trackId, int position, ItemPtr&& item);
+    void moveToTrack(Item& item, int trackId, const ItemState& state);
     QModelIndex rowOf(const Track& track) const;
+    /// Enters items into the look-up, too. @param items at least one
+    void noteAdded(const Items& items, const Track& track);
     void noteRemoved(int itemId);
     void touch(const Track& track);
     void applyDetails(Item& item, const ItemDetails& details, const Track& track);
@@ -111,6 +134,11 @@ private:
     void leaveSubtree(Track& track);
 
     StandardTimelineModel& m_model;
+    bool m_isMany = false;
+    /// By track id; the tracks themselves are empty meanwhile.
+    mutable std::map<int, ItemBlocks> m_blocks;
+    /// Where an item was found last: the next one that is looked for is mostly beside it.
+    mutable int m_lastPosition = 0;
     QSet<int> m_added;
     QSet<int> m_removed;
     QSet<int> m_changed;

@@ -148,9 +148,18 @@ void UndoStep::guarded(const Body& body)
     m_contents.announce();
 }
 
+void UndoStep::beginIfMany()
+{
+    // Below, going through whole tracks for it costs more than it saves.
+    constexpr std::size_t many = 50;
+    if (m_changes.size() >= many)
+        m_contents.beginMany();
+}
+
 void UndoStep::undo()
 {
     guarded([this] {
+        beginIfMany();
         for (auto change = m_changes.rbegin(); change != m_changes.rend(); ++change)
             (*change)->swap(m_contents);
     });
@@ -162,6 +171,7 @@ void UndoStep::redo()
     if (m_isDone)
         return;
     guarded([this] {
+        beginIfMany();
         for (const std::unique_ptr<Change>& change : m_changes)
             change->swap(m_contents);
     });

@@ -53,6 +53,7 @@ public:
 
 private:
     bool continues(const UndoStep& later) const;
+    void beginIfMany();
     void giveUp(const QString& reason);
     template <typename Body>
     void guarded(const Body& body);

@@ -13,6 +13,8 @@ StepScope::~StepScope()
 {
     if (!m_isOutermost)
         return;
+    // Also after an exception; the stack tells others of the step, who may look at the items.
+    m_d.contents.settle();
     std::unique_ptr<UndoStep> step = std::move(m_d.step);
     if (!step->isEmpty()) {
         step->updateText();

@@ -122,7 +122,7 @@ private:
     void askAboutFiles(Files files, std::size_t position, const std::function<void(Files)>& then);
     void load(Purpose purpose, Files files);
     void replaceDocument(VeskTimeline::Kit::LoadedDocument& loaded);
-    void addLoaded(const VeskTimeline::Kit::LoadedDocument& loaded);
+    void addLoaded(VeskTimeline::Kit::LoadedDocument& loaded);
     void nameTracks(Files& files) const;
 
     void askBeforeOverwriting(const QString& fileName, const std::function<void()>& then);

@@ -167,9 +167,9 @@ void FileSession::replaceDocument(LoadedDocument& loaded)
         Q_EMIT filesUsed(fileNames());
 }
 
-void FileSession::addLoaded(const LoadedDocument& loaded)
+void FileSession::addLoaded(LoadedDocument& loaded)
 {
-    m_model->addDocument(*loaded.document);
+    m_model->addDocument(std::move(loaded.prepared));
     QStringList names;
     for (const FileToRead& file : m_loading)
         names.append(file.fileName);

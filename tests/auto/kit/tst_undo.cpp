@@ -15,6 +15,7 @@
 #include <QTest>
 #include <QUndoStack>
 
+#include <algorithm>
 #include <functional>
 
 using namespace VeskTimeline;
@@ -184,6 +185,96 @@ private Q_SLOTS:
                 compare();
             }
         }
+    }
+
+    void manySingleChangesOfOneGestureAreUndoneTogether_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 3; ++seed)
+            QTest::addRow("seed %u", seed) << seed;
+    }
+    void manySingleChangesOfOneGestureAreUndoneTogether()
+    {
+        QFETCH(quint32, seed);
+        constexpr int count = 3000;
+        QRandomGenerator random(seed);
+        Document document;
+        // Many of them start together, and some tracks hold most of them.
+        for (int i = 0; i < count; ++i)
+            document.track({QString::number(random.bounded(1 + random.bounded(4)))})
+                .items.push_back({QString::number(i), random.bounded(200) * 10, i % 7 - 1, {}});
+        Model model;
+        model.setDocument(document);
+        QUndoStack& stack = *model.undoStack();
+        QStringList states{stateOf(model)};
+        const auto anyTime = [&] { return random.bounded(200) * 10; };
+        const auto anyTrack = [&] { return 1 + static_cast<int>(random.bounded(model.trackCount())); };
+        for (int round = 0; round < 4; ++round) {
+            model.finishGesture();
+            QVector<int> ids = model.itemIds();
+            std::shuffle(ids.begin(), ids.end(), random);
+            ids.resize(ids.size() * 2 / 3);
+            QVector<ItemTimes> times;
+            for (const int id : std::as_const(ids)) {
+                if (round == 0)
+                    model.setItemStartTime(id, anyTime());
+                else if (round == 1)
+                    model.moveItemToTrack(id, anyTrack(), anyTime());
+                else if (round == 2)
+                    times.append({id, anyTime(), id % 5 == 0 ? 5'000'000'000 : 7});
+                else
+                    model.removeItem(id);
+            }
+            if (round == 2)
+                model.retimeItems(times);
+            states.append(stateOf(model));
+            QCOMPARE(stack.count(), round + 1);
+            verifyConsistent(model);
+        }
+        for (int turn = 0; turn < 2; ++turn) {
+            for (int i = 3; i >= 0; --i) {
+                stack.undo();
+                QCOMPARE(stateOf(model), states.at(i));
+                verifyConsistent(model);
+            }
+            for (int i = 1; i <= 4; ++i) {
+                stack.redo();
+                QCOMPARE(stateOf(model), states.at(i));
+                verifyConsistent(model);
+            }
+        }
+    }
+
+    void aDocumentOfTracksThatAreThereIsAddedToThem()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.setTrackColor(1, Qt::green);
+        model.undoStack()->clear();
+        const QString before = stateOf(model);
+        Document document;
+        document.track({"C", "below"}).items = {{"long", 0, 5'000'000'000, {}}};
+        document.track({"A"}).items = {{"a", 5, 1, {}}, {"first", -5, 1, {}}};
+        document.track({"new", "D"}).items = {{"d", 5, 1, {}}};
+        model.addDocument(PreparedDocument(document));
+        const QString after = stateOf(model);
+        QCOMPARE(model.trackCount(), 6);
+        QCOMPARE(model.itemIds().size(), 11);
+        const Track& first = *model.track(1);
+        QCOMPARE(model.itemLabel(first.items().front()->id()), "first");
+        QCOMPARE(model.itemLabel(first.items().back()->id()), "a");
+        QCOMPARE(first.items().back()->color(), QColor(Qt::green));
+        QCOMPARE(texts(*model.undoStack()), QStringList("Add 5 tracks"));
+        verifyConsistent(model);
+        model.undoStack()->undo();
+        QCOMPARE(stateOf(model), before);
+        verifyConsistent(model);
+        model.undoStack()->redo();
+        QCOMPARE(stateOf(model), after);
+        verifyConsistent(model);
+        // Long items of both are told apart.
+        model.addDocument(PreparedDocument(document));
+        QCOMPARE(model.document().tracks().at(3).items.size(), std::size_t(2));
     }
 
     void operationsOnSeveralItemsAreOneStep()
