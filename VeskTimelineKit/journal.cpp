@@ -1,3 +1,4 @@
+#include "background_disposal_p.h"
 #include "journal_changes_p.h"
 #include "journal_writer_p.h"
 #include "kit_tr_p.h"
@@ -138,6 +139,13 @@ void Journal::begin(bool withEverything)
              fileNames = d->fileNames](JournalWriter& writer) { writer.start(generation, base, fileNames); });
 }
 
+void Journal::setFileNames(const QStringList& fileNames)
+{
+    d->fileNames = fileNames;
+    if (d->hasBegun)
+        d->post([fileNames](JournalWriter& writer) { writer.setFileNames(fileNames); });
+}
+
 void Journal::onTouched()
 {
     ++d->revision;
@@ -196,6 +204,8 @@ void Journal::onAppended(int generation)
 {
     if (generation != d->generation)
         return;
+    if (d->inFlight && d->inFlight->items.size() >= manyItems)
+        disposeInBackground(std::move(d->inFlight));
     d->inFlight.reset();
     succeed(d->isFailing);
     if (!d->changes.isEmpty())

@@ -54,6 +54,8 @@ public:
     /// @param fileNames that the document was read from, for whoever recovers it
     /// @param isModified write at once, without waiting for a change: what is shown is in no file
     void start(std::shared_ptr<const Document> base, const QStringList& fileNames, bool isModified = false);
+    /// The document belongs to other files from now on, as after it was saved under another name.
+    void setFileNames(const QStringList& fileNames);
     /// Counts changes, so that what was saved can be named. It grows with each change and never means two states.
     quint64 revision() const;
     /// The document of a revision is in a file now: unless there has been another change since, there is nothing to

@@ -175,6 +175,7 @@ void JournalChanges::takeItems(JournalDelta& delta)
             delta.removedItems.append(id);
     }
     std::sort(delta.removedItems.begin(), delta.removedItems.end());
+    delta.items.reserve(static_cast<std::size_t>(m_items.size() - delta.removedItems.size()));
     for (const auto& [trackId, itemIds] : byTrack)
         addTrackItems(*std::as_const(*m_model).track(trackId), itemIds, delta);
 }

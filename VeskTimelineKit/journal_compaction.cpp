@@ -72,22 +72,28 @@ void JournalWriter::finishCompaction(const QString& newBase, qint64 upTo, bool i
     m_compactAt = 2 * m_journal.size();
 }
 
-bool JournalWriter::replaceJournal(const QString& newBase, qint64 upTo)
+// A new head, and what is behind a place in the old one.
+bool JournalWriter::rewriteJournal(const QString& base, qint64 from)
 {
     QFile old(m_fileName);
-    if (!old.open(QIODevice::ReadOnly) || !old.seek(upTo))
+    if (!old.open(QIODevice::ReadOnly) || !old.seek(from))
         return false;
-    const QByteArray later = old.read(m_journal.size() - upTo);
+    const QByteArray later = old.read(m_journal.size() - from);
     const QString newName = m_fileName + QStringLiteral(".new");
     JournalFile journal;
-    const bool isReplaced = later.size() == m_journal.size() - upTo && journal.create(newName) &&
-                            journal.append(headerLine({m_fileNames, QFileInfo(newBase).fileName()}) + later) &&
+    const bool isReplaced = later.size() == m_journal.size() - from && journal.create(newName) &&
+                            journal.append(headerLine({m_fileNames, QFileInfo(base).fileName()}) + later) &&
                             journal.sync() && replaceFile(m_fileName, newName);
-    if (!isReplaced) {
+    if (!isReplaced)
         journal.remove();
-        return false;
-    }
     journal.close();
+    return isReplaced;
+}
+
+bool JournalWriter::replaceJournal(const QString& newBase, qint64 upTo)
+{
+    if (!rewriteJournal(newBase, upTo))
+        return false;
     m_baseFile.remove();
     m_baseFile.open(newBase);
     m_baseSize = m_baseFile.size();
@@ -97,6 +103,21 @@ bool JournalWriter::replaceJournal(const QString& newBase, qint64 upTo)
     if (!m_journal.open(m_fileName))
         m_baseFile.remove();
     return true;
+}
+
+void JournalWriter::setFileNames(const QStringList& fileNames)
+{
+    if (m_fileNames == fileNames)
+        return;
+    m_fileNames = fileNames;
+    QFile old(m_fileName);
+    if (!m_journal.isOpen() || isLost() || !old.open(QIODevice::ReadOnly))
+        return;
+    // It reads the journal by places in it, which are others then. The next change starts it anew.
+    stopCompaction();
+    const qint64 headSize = readJournalLine(old).size();
+    if (rewriteJournal(m_baseFile.fileName(), headSize) && !m_journal.open(m_fileName))
+        Q_EMIT lost(m_generation);
 }
 
 void JournalWriter::stopCompaction()

@@ -29,6 +29,8 @@ public:
     void start(int generation, const std::shared_ptr<const JournalBase>& base, const QStringList& fileNames);
     void append(const JournalDelta& delta, qint64 time);
     void markSaved();
+    /// When they cannot be written, whoever recovers the journal is told the old ones.
+    void setFileNames(const QStringList& fileNames);
     void drop();
     /// Writes the rest of the base, without turns.
     void finish();
@@ -52,6 +54,7 @@ private:
     bool isCompactionDue() const;
     void startCompaction();
     void finishCompaction(const QString& newBase, qint64 upTo, bool isWritten);
+    bool rewriteJournal(const QString& base, qint64 from);
     bool replaceJournal(const QString& newBase, qint64 upTo);
     void stopCompaction();
 

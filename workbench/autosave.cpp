@@ -82,8 +82,10 @@ void Autosave::saving()
     m_savingRevision = m_journal.revision();
 }
 
-void Autosave::documentSaved()
+void Autosave::documentSaved(const QString& fileName)
 {
+    if (!fileName.isEmpty())
+        m_journal.setFileNames({fileName});
     m_journal.markSaved(m_savingRevision.value_or(m_journal.revision()));
     m_savingRevision.reset();
     // What was recovered is in a file of the user now.
@@ -112,6 +114,8 @@ void Autosave::offerOrphans(QWidget* parent)
         m_dialog->raise();
         return;
     }
+    // One that was read and then not wanted after all.
+    m_recovering.reset();
     m_orphans = takeOrphans(m_folder);
     if (m_orphans.empty())
         return;

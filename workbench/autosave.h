@@ -49,7 +49,8 @@ public Q_SLOTS:
     /// The document is about to be written to a file as it is now.
     void saving();
     /// It is in the file now, as it was at saving(), or else as it is.
-    void documentSaved();
+    /// @param fileName the file that the document belongs to from now on; empty: the same as before
+    void documentSaved(const QString& fileName = {});
     /// The window is closed, and the user wants nothing of what has not been saved.
     void closed();
 
@@ -62,7 +63,8 @@ public Q_SLOTS:
     void startRecovered(const Recovered& recovered);
 
 Q_SIGNALS:
-    /// The user wants this document back. Whoever shows it fills the model with it and calls startRecovered().
+    /// The user wants this document back. Whoever shows it fills the model with it and calls startRecovered(). When
+    /// nobody does, its journal is offered again.
     void documentRecovered(const Workbench::Autosave::Recovered& recovered);
     /// See Journal.
     void failed(const QString& reason);

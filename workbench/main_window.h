@@ -70,6 +70,8 @@ public:
     void startAutosave(const QString& folder = {});
     /// Null before startAutosave().
     Autosave* autosave() const { return m_autosave.get(); }
+    /// Adds the entry that offers what crashes have left, or says that there is nothing. Enabled by startAutosave().
+    QAction* addRecoverAction(QMenu* menu);
 
     VeskTimeline::TimelineWidget* timeline() const { return m_timeline; }
     VeskTimeline::Kit::StandardTimelineModel* model() const { return m_model.get(); }

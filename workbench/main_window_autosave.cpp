@@ -2,7 +2,9 @@
 #include "file_session.h"
 #include "main_window.h"
 
+#include <QAction>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QTimer>
@@ -18,7 +20,12 @@ void MainWindow::startAutosave(const QString& folder)
     connect(m_session, &FileSession::documentLoaded, m_autosave.get(), &Autosave::startFor);
     connect(m_session, &FileSession::savingStarted, m_autosave.get(), &Autosave::saving);
     connect(m_session, &FileSession::documentSaved, m_autosave.get(), &Autosave::documentSaved);
-    connect(m_autosave.get(), &Autosave::documentRecovered, this, &MainWindow::showRecovered);
+    // What there is may have changes that the user would miss; at the start there are none.
+    connect(m_autosave.get(), &Autosave::documentRecovered, this, [this](const Autosave::Recovered& recovered) {
+        m_session->whenDisposable([this, recovered] { showRecovered(recovered); });
+    });
+    if (auto* const recover = findChild<QAction*>(QStringLiteral("recover")))
+        recover->setEnabled(true);
 
     auto* const failure = new QLabel(tr("Not kept for a crash"), this);
     failure->setObjectName(QStringLiteral("autosaveFailure"));
@@ -31,6 +38,24 @@ void MainWindow::startAutosave(const QString& folder)
     connect(m_autosave.get(), &Autosave::resumed, failure, &QLabel::hide);
     // Over the window, once it is there.
     QTimer::singleShot(0, m_autosave.get(), [this] { m_autosave->offerOrphans(this); });
+}
+
+QAction* MainWindow::addRecoverAction(QMenu* menu)
+{
+    QAction* const action = addMenuAction(menu, "recover", tr("Reco&ver…"));
+    action->setEnabled(m_autosave != nullptr);
+    connect(action, &QAction::triggered, this, [this] {
+        m_autosave->offerOrphans(this);
+        if (m_autosave->dialog())
+            return;
+        auto* const message = new QMessageBox(QMessageBox::Information, tr("Recover"),
+                                              tr("There is nothing to recover."), QMessageBox::Ok, this);
+        message->setObjectName(QStringLiteral("nothingToRecover"));
+        message->setInformativeText(tr("Changes of programs that ended before they were saved would be offered here."));
+        message->setAttribute(Qt::WA_DeleteOnClose);
+        message->open();
+    });
+    return action;
 }
 
 void MainWindow::showRecovered(const Autosave::Recovered& recovered)

@@ -112,7 +112,10 @@ private:
     }
     static void compare(const QString& fileName, const Model& model)
     {
-        const Result<RecoveredJournal> recovered = readJournal(fileName);
+        Result<RecoveredJournal> recovered = readJournal(fileName);
+        // While a journal is in use it may be made smaller between a look at it and one at its base.
+        if (recovered && !recovered.value().problems.isEmpty())
+            recovered = readJournal(fileName);
         QVERIFY2(recovered, recovered ? "" : qPrintable(recovered.error().text()));
         QCOMPARE(recovered.value().problems, QStringList());
         QCOMPARE(vtlText(recovered.value().document), textOf(model));

@@ -1,4 +1,5 @@
 #include "workbench/autosave.h"
+#include "workbench/file_session.h"
 #include "workbench/main_window.h"
 #include "workbench/recovery_dialog.h"
 
@@ -6,9 +7,11 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 #include <VeskTimelineKit/vtl_writer.h>
 
+#include <QAction>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
@@ -371,6 +374,129 @@ private Q_SLOTS:
         qInfo("%lld ms lost", lost);
     }
 
+    void savingUnderAnotherNameIsWhatTheJournalSays()
+    {
+        {
+            User user(path());
+            user.change("x");
+            user.autosave.saving();
+            user.autosave.documentSaved("/x/a longer name than before.vtl.json");
+            user.change("y");
+            user.autosave.saving();
+            user.autosave.documentSaved("/x/b");
+            user.change("z");
+        }
+        const std::vector<OrphanedJournal> orphans = takeOrphans(path());
+        QCOMPARE(titles(orphans), QStringList("b"));
+        const Result<RecoveredJournal> recovered = readJournal(orphans.front().fileName);
+        QVERIFY(recovered);
+        QCOMPARE(recovered.value().fileNames, QStringList("/x/b"));
+        QCOMPARE(recovered.value().problems, QStringList());
+        QCOMPARE(recovered.value().document.tracks().at(0).items.at(0).label, "z");
+    }
+
+    void aNewNameIsKnownToAJournalThatBeginsLater()
+    {
+        {
+            User user(path());
+            user.autosave.documentSaved("/x/b.vtl.json");
+            user.change("x");
+        }
+        QCOMPARE(titles(takeOrphans(path())), QStringList("b.vtl.json"));
+    }
+
+    void whatIsOpenedChangedSavedAndChangedAgainComesBackAfterAKill()
+    {
+        const QString file = m_folder->filePath("plan.vtl.json");
+        QVERIFY(writeVtl(*plan(), file));
+        const QString journals = m_folder->filePath("journals");
+        const QString saved = m_folder->filePath("saved.vtl.json");
+        QByteArray left;
+        {
+            MainWindow window;
+            window.startAutosave(journals);
+            FileSession* const session = window.fileSession();
+            session->open({file});
+            QTRY_COMPARE(window.model()->itemCount(), 2);
+            window.model()->setItemLabel(0, "first");
+            session->save();
+            QTRY_VERIFY(!session->isBusy());
+            QVERIFY(!session->isModified());
+            window.model()->setItemLabel(0, "second");
+            session->saveAs(saved);
+            QTRY_VERIFY(!session->isBusy());
+            window.model()->setItemLabel(1, "third");
+            window.model()->addTrack("B");
+            left = vtlText(window.model()->document());
+            QTRY_COMPARE(recoveredText(window.autosave()->journalName()), left);
+            // The window goes without being closed, as in a crash.
+        }
+        MainWindow window;
+        window.startAutosave(journals);
+        recover(window);
+        QTRY_COMPARE(vtlText(window.model()->document()), left);
+        QCOMPARE(window.fileSession()->fileNames(), QStringList(saved));
+        QVERIFY(window.fileSession()->isModified());
+        QVERIFY(window.isWindowModified());
+        QVERIFY(window.windowTitle().startsWith("saved.vtl.json"));
+        window.fileSession()->save();
+        QTRY_VERIFY(!window.fileSession()->isBusy());
+        QVERIFY(!window.fileSession()->isModified());
+        QCOMPARE(textOfFile(saved), left);
+        // It is in a file: neither journal is offered any more.
+        window.autosave()->closed();
+        QCOMPARE(titles(takeOrphans(journals)), QStringList());
+    }
+
+    void recoveringAsksAboutTheChangesOfTheWindow()
+    {
+        leave("x", {"/x/plan.csv"});
+        MainWindow window;
+        window.show();
+        window.startAutosave(path());
+        QTRY_VERIFY(window.autosave()->dialog());
+        window.model()->addTrack("mine");
+        const QByteArray mine = vtlText(window.model()->document());
+        for (const QMessageBox::StandardButton answer : {QMessageBox::Cancel, QMessageBox::Discard}) {
+            recover(window);
+            QTRY_VERIFY(window.findChild<QMessageBox*>("saveChanges"));
+            auto* const question = child<QMessageBox>(&window, "saveChanges");
+            QCOMPARE(vtlText(window.model()->document()), mine);
+            QTest::mouseClick(question->button(answer), Qt::LeftButton);
+            QTRY_VERIFY(!window.findChild<QMessageBox*>("saveChanges"));
+            if (answer == QMessageBox::Discard)
+                break;
+            // Not wanted after all: the menu offers it again.
+            QCOMPARE(vtlText(window.model()->document()), mine);
+            window.autosave()->offerOrphans(&window);
+            QVERIFY(window.autosave()->dialog());
+        }
+        QTRY_COMPARE(window.model()->itemLabel(0), "x");
+        QCOMPARE(window.fileSession()->fileNames(), QStringList("/x/plan.csv"));
+    }
+
+    void theMenuOffersWhatIsLeftOrSaysThatThereIsNothing()
+    {
+        MainWindow window;
+        window.show();
+        auto* const menu = new QMenu(&window);
+        auto* recover = window.findChild<QAction*>("recover");
+        if (!recover)
+            recover = window.addRecoverAction(menu);
+        QVERIFY(!recover->isEnabled());
+        window.startAutosave(path());
+        QVERIFY(recover->isEnabled());
+        QCoreApplication::processEvents();
+        recover->trigger();
+        auto* const message = child<QMessageBox>(&window, "nothingToRecover");
+        QCOMPARE(message->text(), "There is nothing to recover.");
+        QVERIFY(!window.autosave()->dialog());
+        message->close();
+        leave("x", {"/x/plan.csv"});
+        recover->trigger();
+        QVERIFY(window.autosave()->dialog());
+    }
+
 private:
     QString path() const { return m_folder->path(); }
 
@@ -382,9 +508,25 @@ private:
         return vtlText(user.model.document());
     }
 
+    static QByteArray recoveredText(const QString& journal)
+    {
+        const Result<RecoveredJournal> recovered = readJournal(journal);
+        return recovered ? vtlText(recovered.value().document) : QByteArray();
+    }
+    static QByteArray textOfFile(const QString& fileName)
+    {
+        QFile file(fileName);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     void recoverIn(MainWindow& window)
     {
         window.startAutosave(path());
+        recover(window);
+    }
+
+    static void recover(MainWindow& window)
+    {
         QTRY_VERIFY(window.autosave()->dialog());
         QSignalSpy recovered(window.autosave(), &Autosave::documentRecovered);
         press(window.autosave()->dialog(), "recover");
