@@ -3,7 +3,10 @@
 #include "read_progress_p.h"
 #include "standard_timeline_model_track_p.h"
 
+#include <VeskTimelineKit/labelled_item.h>
 #include <VeskTimelineKit/prepared_document.h>
+
+#include <QSet>
 
 #include <algorithm>
 
@@ -51,7 +54,7 @@ private:
         for (const ItemPtr& item : track.items())
             m_tree->itemCache.emplace_hint(m_tree->itemCache.end(), item->id(), item.get());
         if (track.hasItems())
-            m_tree->spans.insert(track.id(), spanOf(track.items()));
+            m_tree->extents.insert(track.id(), extentOf(track.items()));
     }
 
     const Document& m_document;
@@ -64,12 +67,20 @@ private:
 
 } // namespace
 
-TimeSpan spanOf(const Items& items)
+TrackExtent extentOf(const Items& items)
 {
-    TimeSpan span{items.front()->startTime(), items.front()->startTime()};
-    for (const ItemPtr& item : items)
-        span.end = std::max(span.end, item->startTime() + std::max(item->duration(), 0));
-    return span;
+    TrackExtent extent{{items.front()->startTime(), items.front()->startTime()}, 0};
+    QSet<int> longItems;
+    for (const ItemPtr& item : items) {
+        extent.span.end = std::max(extent.span.end, item->startTime() + std::max(item->duration(), 0));
+        const auto* const labelled = dynamic_cast<const LabelledItem*>(item.get());
+        if (labelled && labelled->piece().isPiece())
+            longItems.insert(labelled->piece().whole);
+        else
+            ++extent.documentItems;
+    }
+    extent.documentItems += static_cast<int>(longItems.size());
+    return extent;
 }
 
 std::unique_ptr<ModelTree> makeTree(const Document& document, const ReadOptions& options)

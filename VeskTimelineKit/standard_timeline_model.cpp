@@ -36,7 +36,7 @@ void StandardTimelineModel::clear()
 {
     d->gesture.finish();
     d->stack.clear();
-    d->spans.clear();
+    d->extents.clear();
     TimelineModel::clear();
 }
 
@@ -61,20 +61,35 @@ bool StandardTimelineModel::hasItem(int itemId) const
     return m_itemCache.find(itemId) != m_itemCache.end();
 }
 
-std::optional<TimeSpan> StandardTimelineModel::span() const
+template <typename Take>
+void StandardTimelineModel::forEachExtent(const Take& take) const
 {
-    std::optional<TimeSpan> span;
     for (const auto& [id, track] : m_trackCache) {
         if (!track->hasItems())
             continue;
-        auto known = d->spans.find(id);
-        if (known == d->spans.end())
-            known = d->spans.insert(id, spanOf(track->items()));
-        if (!span)
-            span = *known;
-        span->start = std::min(span->start, known->start);
-        span->end = std::max(span->end, known->end);
+        auto known = d->extents.constFind(id);
+        if (known == d->extents.cend())
+            known = d->extents.insert(id, extentOf(track->items()));
+        take(*known);
     }
+}
+
+int StandardTimelineModel::documentItemCount() const
+{
+    int count = 0;
+    forEachExtent([&count](const TrackExtent& extent) { count += extent.documentItems; });
+    return count;
+}
+
+std::optional<TimeSpan> StandardTimelineModel::span() const
+{
+    std::optional<TimeSpan> span;
+    forEachExtent([&span](const TrackExtent& extent) {
+        if (!span)
+            span = extent.span;
+        span->start = std::min(span->start, extent.span.start);
+        span->end = std::max(span->end, extent.span.end);
+    });
     return span;
 }
 

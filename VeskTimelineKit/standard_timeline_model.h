@@ -85,6 +85,8 @@ public:
     int trackCount() const;
     /// All items of the tree; each piece of a long one counts.
     int itemCount() const;
+    /// All items as a document has them: the pieces of a long one are one. Costs what span() costs.
+    int documentItemCount() const;
     bool hasItem(int itemId) const;
     /// Of all items; nothing when there is none. Costs no more than a look at each track, and at the items of those
     /// that have changed since it was asked for.
@@ -222,6 +224,8 @@ private:
     QHash<int, QVector<int>> piecesOfEach(const QVector<int>& itemIds) const;
     QVector<int> withAllPieces(const QVector<int>& itemIds) const;
     ItemTimes timesOf(int itemId, const QVector<int>& pieces) const;
+    template <typename Take>
+    void forEachExtent(const Take& take) const;
     template <typename Body>
     void changeDetails(StepKind kind, const QVector<int>& itemIds, const Body& body);
     template <typename Body>

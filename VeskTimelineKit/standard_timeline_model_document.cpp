@@ -29,7 +29,7 @@ void StandardTimelineModel::setDocument(PreparedDocument&& document)
     std::swap(m_rootTrack.tracks(), tree->tracks);
     std::swap(m_itemCache, tree->itemCache);
     std::swap(m_trackCache, tree->trackCache);
-    std::swap(d->spans, tree->spans);
+    std::swap(d->extents, tree->extents);
     m_trackCache[m_rootTrack.id()] = &m_rootTrack;
     m_currentTrackId = tree->nextTrackId;
     m_currentItemId = tree->nextItemId;

@@ -2,6 +2,7 @@
 
 // Internal to the kit; not installed.
 
+#include "model_tree_p.h"
 #include "undo_gesture_p.h"
 #include "undo_step_p.h"
 
@@ -41,7 +42,7 @@ struct StandardTimelineModelPrivate
     StandardTimelineModel::OverlapPolicy overlapPolicy = StandardTimelineModel::AllowOverlaps;
     int nextWhole = 0;
     /// By track id, of tracks that have items; only those that are known.
-    QHash<int, TimeSpan> spans;
+    QHash<int, TrackExtent> extents; ///< by track id; those of changed tracks are missing
     bool isUnrecorded = false;
 };
 

@@ -465,7 +465,7 @@ void ModelContents::noteChanged(const Item& item, int formerTrackId)
 void ModelContents::touch(const Track& track)
 {
     m_touchedTracks.insert(track.id());
-    m_model.d->spans.remove(track.id());
+    m_model.d->extents.remove(track.id());
     for (const Track* above = &track; above->parentId() >= 0;) {
         above = m_model.track(above->parentId());
         if (above->hasCopyItems())

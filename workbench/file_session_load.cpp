@@ -124,6 +124,7 @@ void FileSession::reload()
 {
     if (m_files.empty() || isBusy() || m_question)
         return;
+    Q_EMIT contentsNeeded();
     m_editsWhenAsked = m_edits;
     if (!isModified()) {
         load(Purpose::Open, m_files);

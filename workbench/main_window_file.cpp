@@ -1,3 +1,4 @@
+#include "csv_forget_imports.h"
 #include "csv_import_assistant.h"
 #include "file_session.h"
 #include "main_window.h"
@@ -113,6 +114,8 @@ void MainWindow::createFileMenu()
             &FileSession::askForFilesToAdd);
     connect(addMenuAction(menu, "reload", tr("Re&load"), QKeySequence::Refresh), &QAction::triggered, m_session,
             &FileSession::reload);
+    addRecoverAction(menu);
+    addForgetImportsAction(menu, m_importAssistant.get());
     menu->addSeparator();
     addSaveActions(menu);
     menu->addSeparator();

@@ -12,11 +12,12 @@ namespace {
 
 QString aboutText()
 {
-    return MainWindow::tr("<h3>VeskTimeline Workbench %1</h3><p>Shows and edits timelines.</p>"
-                          "<p>Made with these libraries:</p><ul>"
-                          "<li>Qt %2 (LGPL 3 or GPL 2)</li><li>libical (LGPL 2.1 or MPL 2.0)</li><li>libcsv (LGPL 2.1 or later)</li>"
-                          "<li>simdjson (Apache 2.0)</li><li>zlib (zlib licence)</li></ul>")
-        .arg(QStringLiteral(VESKTIMELINE_VERSION), QString::fromLatin1(qVersion()));
+    return MainWindow::
+        tr("<h3>VeskTimeline Workbench %1</h3><p>Shows and edits timelines.</p>"
+           "<p>Made with these libraries:</p><ul>"
+           "<li>Qt %2 (LGPL 3 or GPL 2)</li><li>libical (LGPL 2.1 or MPL 2.0)</li><li>libcsv (LGPL 2.1 or later)</li>"
+           "<li>simdjson (Apache 2.0)</li><li>zlib (zlib licence)</li></ul>")
+            .arg(QStringLiteral(VESKTIMELINE_VERSION), QString::fromLatin1(qVersion()));
 }
 
 } // namespace

@@ -216,7 +216,7 @@ QString StatusLine::contentText() const
     if (!m_model)
         return {};
     const int tracks = m_model->trackCount();
-    const int items = m_model->itemCount();
+    const int items = m_model->documentItemCount();
     QString text = (tracks == 1 ? tr("1 track") : tr("%1 tracks").arg(tracks)) + QStringLiteral(", ") +
                    (items == 1 ? tr("1 item") : tr("%1 items").arg(items));
     if (const auto span = m_navigation->documentSpan())

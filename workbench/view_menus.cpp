@@ -172,7 +172,7 @@ void addRulerEntries(QMenu* menu, ViewSettings* settings)
 
 void addThemeEntries(QMenu* menu, Theme* theme)
 {
-    QMenu* const looks = addSubmenu(menu, "theme", Tr::tr("&Look"));
+    QMenu* const looks = addSubmenu(menu, "theme", Tr::tr("Loo&k"));
     auto* const group = new QActionGroup(looks);
     const QList<std::pair<QString, Theme::Scheme>> choices{
         {Tr::tr("As the &system"), Theme::System}, {Tr::tr("&Light"), Theme::Light}, {Tr::tr("&Dark"), Theme::Dark}};

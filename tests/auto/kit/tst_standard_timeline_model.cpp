@@ -350,7 +350,10 @@ private Q_SLOTS:
         QCOMPARE(document.itemCount(), 3);
         QCOMPARE(document.longItemWarnings().size(), 1);
         Model model;
+        QCOMPARE(model.documentItemCount(), 0);
         model.setDocument(document);
+        QCOMPARE(model.itemCount(), 5);
+        QCOMPARE(model.documentItemCount(), 3);
         QStringList labels;
         qint64 end = -1000;
         for (const int id : model.itemIds()) {

@@ -14,12 +14,15 @@
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <workbench/csv_import_memory.h>
 #include <workbench/file_session.h>
 #include <workbench/picture_export_dialog.h>
 #include <workbench/recent_files.h>
+#include <workbench/settings.h>
 
 using namespace VeskTimeline;
 using Workbench::PictureExportDialog;
@@ -382,6 +385,35 @@ private Q_SLOTS:
         QTRY_COMPARE(f.contents().section('[', 0, 0), "T");
     }
 
+    void recoverSaysWhenThereIsNothingToRecover()
+    {
+        DesktopWorkbench f;
+        QVERIFY(f.show());
+        QVERIFY(!f.entry("recover")->isEnabled());
+        f.window.startAutosave(m_dir->filePath("autosave"));
+        QVERIFY(f.entry("recover")->isEnabled());
+        CHOOSE(f, "recover");
+        PRESS(f, "nothingToRecover", QMessageBox::Ok);
+    }
+
+    void forgetImportsAsksFirst()
+    {
+        {
+            const auto settings = Workbench::openSettings();
+            Workbench::CsvImportMemory(*settings).remember({"a", "b"}, {});
+        }
+        DesktopWorkbench f;
+        QVERIFY(f.show());
+        CHOOSE(f, "forgetImports");
+        PRESS(f, "forgetImports", QMessageBox::Cancel);
+        QCOMPARE(importCount(), 1);
+        CHOOSE(f, "forgetImports");
+        QTRY_VERIFY(f.dialog<QMessageBox>());
+        auto* const forget = f.dialog<QMessageBox>()->findChild<QPushButton*>("forget");
+        PLAY(f.pointer.moveTo(forget, forget->rect().center()).click());
+        QTRY_COMPARE(importCount(), 0);
+    }
+
     void everyEntryHasBeenChosen()
     {
         const DesktopWorkbench f;
@@ -389,6 +421,12 @@ private Q_SLOTS:
     }
 
 private:
+    static int importCount()
+    {
+        const auto settings = Workbench::openSettings();
+        return Workbench::CsvImportMemory(*settings).count();
+    }
+
     QString write(const QString& name, const QByteArray& contents) const
     {
         QFile file(m_dir->filePath(name));
