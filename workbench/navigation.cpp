@@ -86,7 +86,7 @@ TimeSpan Navigation::overviewSpan() const
 {
     const std::optional<TimeSpan> items = m_extent.span();
     if (!items)
-        return today();
+        return m_spanWithoutItems;
     TimeSpan span{floorToSecond(items->start), -floorToSecond(-items->end)};
     if (lengthOf(span) <= Zoom::OneDay)
         span.end = span.start + Zoom::ceil(static_cast<int>(lengthOf(span)));
@@ -152,8 +152,10 @@ void Navigation::announce()
 void Navigation::grow()
 {
     // Deleting everything may be undone: reaching from a day long ago to today would leave the scroll bar useless then.
-    if (documentSpan())
-        extendReach(overviewSpan());
+    if (documentSpan()) {
+        m_spanWithoutItems = overviewSpan();
+        extendReach(m_spanWithoutItems);
+    }
     placeWindow(view()->currentTime());
     Q_EMIT documentSpanChanged();
 }
@@ -201,6 +203,8 @@ void Navigation::zoomBy(int direction)
 
 void Navigation::fit()
 {
+    const TimeSpan before = overviewSpan();
+    m_spanWithoutItems = documentSpan() ? before : today();
     setReach(overviewSpan());
     {
         const QScopedValueRollback placing(m_isPlacing, true);
@@ -208,6 +212,8 @@ void Navigation::fit()
         view()->setZoomFactor(view()->upperZoomFactor());
     }
     placeWindow(m_reach.start);
+    if (!isSame(before, m_reach))
+        Q_EMIT documentSpanChanged();
 }
 
 void Navigation::goToTime(qint64 time)

@@ -48,7 +48,7 @@ public:
     /// From the earliest start to the latest end. Nothing without items.
     std::optional<VeskTimeline::Kit::TimeSpan> documentSpan() const { return m_extent.span(); }
     /// The document in whole seconds, and when it is short with room up to the next zoom factor, so that it can be seen
-    /// whole; today without items.
+    /// whole. Without items as it was with the last ones, until fit() makes it today.
     VeskTimeline::Kit::TimeSpan overviewSpan() const;
     /// How far scrolling gets: overviewSpan(), and what commands have shown beyond it since the last fit(). It does not
     /// shrink while items are edited, lest that moves the window.
@@ -115,6 +115,7 @@ private:
     VeskTimeline::TimelineWidget* m_widget;
     VeskTimeline::Kit::StandardTimelineModel* m_model;
     DocumentExtent m_extent;
+    VeskTimeline::Kit::TimeSpan m_spanWithoutItems;
     VeskTimeline::Kit::TimeSpan m_reach;
     VeskTimeline::Kit::TimeSpan m_announcedWindow;
     bool m_isPlacing = false;

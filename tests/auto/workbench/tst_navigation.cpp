@@ -392,11 +392,29 @@ private Q_SLOTS:
         f.model.removeItems(f.model.itemIds());
         f.settle();
         QVERIFY(!f.navigation->documentSpan());
+        QCOMPARE(f.navigation->overviewSpan().start, 0);
+        QCOMPARE(f.navigation->overviewSpan().end, 10 * day);
         f.model.undoStack()->undo();
         f.settle();
         QCOMPARE(f.navigation->documentSpan()->end, 10 * day);
         QCOMPARE(f.navigation->reach().end, 10 * day);
         QCOMPARE(reach.count(), 0);
+    }
+
+    void fitLeavesTheSpanOfItemsThatAreGone()
+    {
+        NavigationFixture f;
+        f.add("A", "x", 0, 10 * day);
+        f.navigation->fit();
+        f.model.removeItems(f.model.itemIds());
+        f.settle();
+        QSignalSpy span(f.navigation.get(), &Navigation::documentSpanChanged);
+        f.navigation->fit();
+        QVERIFY(f.navigation->overviewSpan().start > 10 * day);
+        QCOMPARE(f.navigation->window().start, f.navigation->overviewSpan().start);
+        QCOMPARE(span.count(), 1);
+        f.navigation->fit();
+        QCOMPARE(span.count(), 1);
     }
 
     void theWindowIsAnnouncedWhenItChangesAndOnlyThen()
