@@ -213,8 +213,7 @@ int ItemCommands::addItemAt(int trackId, qint64 time)
 {
     int id = -1;
     attempt([&] {
-        const TimeSpan place =
-            placeForItem(*m_model, *m_model->track(trackId), time, roundDuration(m_view->zoomFactor()));
+        const TimeSpan place = placeForItem(*m_model, *m_model->track(trackId), time, m_view->zoomFactor());
         id = m_model->addItem(trackId, {tr("New item"), place.start, place.end - place.start, {}});
     });
     if (id != -1)

@@ -26,9 +26,24 @@ qint64 roundDuration(qint64 windowWidth)
     return longer == roundDurations.begin() ? roundDurations.front() : *(longer - 1);
 }
 
-Kit::TimeSpan placeForItem(const TimelineModel& model, const Track& track, qint64 time, qint64 duration)
+qint64 roundStart(const TimelineModel& model, qint64 time, qint64 windowWidth)
 {
-    const qint64 start = model.snapTime(time);
+    // Of a window this many parts are just told apart by eye.
+    constexpr qint64 parts = 20;
+    if (!model.isSnapEnabled())
+        return time;
+    const qint64 step = std::max(model.snapStep(), 1);
+    const qint64 unit = roundDuration(windowWidth / parts);
+    // A step that does not go into the unit, such as 7 s, has a grid of its own.
+    const qint64 grid = unit % step == 0 ? unit : step;
+    const qint64 remainder = time % grid;
+    return time - (remainder < 0 ? remainder + grid : remainder);
+}
+
+Kit::TimeSpan placeForItem(const TimelineModel& model, const Track& track, qint64 time, qint64 windowWidth)
+{
+    const qint64 duration = roundDuration(windowWidth);
+    const qint64 start = roundStart(model, time, windowWidth);
     Kit::TimeSpan place{start, start + std::max<qint64>(duration, model.minimumDuration())};
     for (const ItemPtr& item : track.items()) {
         if (item->duration() < 0)

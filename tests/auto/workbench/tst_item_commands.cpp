@@ -210,15 +210,48 @@ private Q_SLOTS:
     {
         Scene scene;
         const Track& track = *scene.model.track(1);
-        auto place = Workbench::placeForItem(scene.model, track, base + 12 * minute, 60 * minute);
+        auto place = Workbench::placeForItem(scene.model, track, base + 12 * minute, 600 * minute);
         QCOMPARE(place.start, base + 12 * minute);
         QCOMPARE(place.end, base + 20 * minute);
         scene.model.setSnapEnabled(true);
         scene.model.setSnapStep(int(3 * minute));
-        place = Workbench::placeForItem(scene.model, track, base + 15 * minute, minute);
+        place = Workbench::placeForItem(scene.model, track, base + 15 * minute, 10 * minute);
         QCOMPARE(place.start, scene.model.snapTime(base + 15 * minute));
         QVERIFY(place.start < base + 15 * minute);
         QCOMPARE(place.end, place.start + minute);
+    }
+
+    void aNewItemStartsAtARoundTimeWhileSnappingIsOn_data()
+    {
+        QTest::addColumn<qint64>("window");
+        QTest::addColumn<int>("step");
+        QTest::addColumn<qint64>("time");
+        QTest::addColumn<qint64>("start");
+        constexpr qint64 midnight = 1'599'955'200'000;
+        constexpr qint64 time = midnight + (7 * 60 + 44) * minute + 41'500;
+        const auto row = [](const char* name, qint64 window, int step, qint64 at, qint64 start) {
+            QTest::newRow(name) << window << step << at << start;
+        };
+        row("a day", 24 * 60 * minute, 500, time, midnight + (7 * 60 + 40) * minute);
+        row("an hour", 60 * minute, 500, time, midnight + (7 * 60 + 44) * minute + 30'000);
+        row("a minute", minute, 500, time, time - 500);
+        row("a step above the unit", minute, int(10 * minute), time, midnight + (7 * 60 + 40) * minute);
+        row("a step of its own", 24 * 60 * minute, 7000, 70'000'000'001, 70'000'000'000);
+        row("before the epoch", 60 * minute, 500, -1, -15'000);
+    }
+    void aNewItemStartsAtARoundTimeWhileSnappingIsOn()
+    {
+        QFETCH(qint64, window);
+        QFETCH(int, step);
+        QFETCH(qint64, time);
+        QFETCH(qint64, start);
+        Scene scene;
+        scene.model.setSnapEnabled(true);
+        scene.model.setSnapStep(step);
+        const Track& empty = *scene.model.track(3);
+        QCOMPARE(Workbench::placeForItem(scene.model, empty, time, window).start, start);
+        scene.model.setSnapEnabled(false);
+        QCOMPARE(Workbench::placeForItem(scene.model, empty, time, window).start, time);
     }
 
     void insertAddsAtTheIndicatorInTheCurrentTrack()
