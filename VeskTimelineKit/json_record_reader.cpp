@@ -242,6 +242,8 @@ void JsonRecordReader::end(Ending ending)
 {
     m_place = Place::End;
     m_ending = m_gzip && m_gzip->isCutOff() ? Ending::Truncated : ending;
+    if (m_ending == Ending::Truncated)
+        m_recordLine = m_gzip ? 0 : m_line; // lines of what is unpacked say nothing about the packed data
 }
 
 void JsonRecordReader::expectNothingMore()

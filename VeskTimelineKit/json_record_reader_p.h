@@ -40,7 +40,8 @@ public:
     bool hasOuterObject() const { return m_hasOuterObject; }
     /// The record's text; can be changed by the one who parses it.
     QByteArray& text() { return m_text; }
-    /// Counted from 1: where the record starts, or, after an error, where the text went wrong.
+    /// Counted from 1: where the record starts, or, after an error, where the text went wrong or
+    /// broke off; 0 within packed data.
     int line() const { return m_recordLine; }
     /// The members that were passed over, each once, as many as a message can list.
     const std::vector<QByteArray>& skippedMembers() const { return m_skipped; }

@@ -182,7 +182,7 @@ Result<Document> readVtl(QIODevice& device, const QString& fileName, const ReadO
         while (reader.next())
             builder.readRecord(reader);
         if (reader.ending() != JsonRecordReader::Ending::Complete)
-            return FileError{fileName, 0, Tr::tr("the text ends before its end")};
+            return FileError{fileName, reader.line(), Tr::tr("the file ends in the middle of a document")};
         return builder.takeDocument(reader);
     } catch (const QString& reason) {
         return FileError{fileName, reader.line(), reason};

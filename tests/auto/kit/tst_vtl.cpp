@@ -247,9 +247,11 @@ private Q_SLOTS:
         row("newer version", "{\"format\":\"vesk-timeline\",\n\"version\":2}",
             "f:2: version 2 of the format is newer than this program, which knows version 1");
         row("cut off", "{\"format\":\"vesk-timeline\",\"version\":1,\"tracks\":[{\"path\":[\"A\"]},{\"pa",
-            "f: the text ends before its end");
+            "f:1: the file ends in the middle of a document");
+        row("cut off in a later line", "{\"format\":\"vesk-timeline\",\n\"version\":1,\"tracks\":[\n{\"path\":\n[\"A\"",
+            "f:4: the file ends in the middle of a document");
         row("cut off after an element", "{\"format\":\"vesk-timeline\",\"version\":1,\"tracks\":[{\"path\":[\"A\"]}",
-            "f: the text ends before its end");
+            "f:1: the file ends in the middle of a document");
         row("more text", vtl("") + "\n}", "f:2: there is more text after the end of the JSON text");
         row("wrong bracket", vtl(",\"tracks\":[{\"path\":[\"A\"}]"), "f:1: brackets do not match");
         row("no comma", vtl(",\"tracks\":[{\"path\":[\"A\"]} {\"path\":[\"B\"]}]"),
