@@ -55,7 +55,7 @@ void TraceDocumentBuilder::addEvent(TraceEvent event)
     if (!isOneOf(event.phase, "XBEIiRbneSTpF"))
         return leaveOut(phaseName(event.phase));
     if (!event.time)
-        throw Tr::tr("it has no time");
+        throw event.isTimeNoNumber ? Tr::tr("its time is no number") : Tr::tr("it has no time");
     if (isOneOf(event.phase, "bneSTpF"))
         return addAsync(std::move(event));
 
@@ -156,7 +156,8 @@ void TraceDocumentBuilder::leaveOut(const QString& what)
 void TraceDocumentBuilder::remarkOnLeftOut()
 {
     for (auto kind = m_leftOut.cbegin(); kind != m_leftOut.cend(); ++kind)
-        m_remarks.add(0, Tr::tr("left out: %1, %2 times").arg(kind.key()).arg(kind.value()));
+        m_remarks.add(0, kind.value() == 1 ? Tr::tr("left out: %1, 1 time").arg(kind.key())
+                                           : Tr::tr("left out: %1, %2 times").arg(kind.key()).arg(kind.value()));
 }
 
 Document TraceDocumentBuilder::takeDocument(double stretch, ReadProgress& progress)

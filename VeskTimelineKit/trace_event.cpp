@@ -44,6 +44,12 @@ void readMetadata(TraceEvent& event, const dom::object& members)
         event.metadataIndex = jsonNumber(value);
 }
 
+void readTime(TraceEvent& event, const dom::element& value)
+{
+    event.time = jsonNumber(value);
+    event.isTimeNoNumber = !event.time;
+}
+
 void readMember(TraceEvent& event, std::string_view name, const dom::element& value, SharedTexts& texts)
 {
     if (name == "ph")
@@ -51,7 +57,7 @@ void readMember(TraceEvent& event, std::string_view name, const dom::element& va
     if (name == "name")
         event.name = texts.shared(jsonValueText(value));
     else if (name == "ts")
-        event.time = jsonNumber(value);
+        readTime(event, value);
     else if (name == "dur")
         event.duration = jsonNumber(value);
     else if (name == "pid")

@@ -18,6 +18,7 @@ struct TraceEvent
     char phase = 0;
     QString name;
     std::optional<double> time;
+    bool isTimeNoNumber = false; ///< it has one, of another kind; time is nothing then
     std::optional<double> duration;
     QString process;
     QString thread;

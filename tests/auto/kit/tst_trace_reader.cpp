@@ -228,7 +228,7 @@ private Q_SLOTS:
                     metadata("num_cpus", "1", "12", "\"number\":4") + "]",
                 "second (2) | second (2)/thread GPU: x 1+0 | process 1 | process 1/main (11): x 1+0 | "
                 "process 1/thread 10: x 1+0",
-                {"f: left out: metadata \"num_cpus\", 1 times", "f: threads left out because they have no items: 1"});
+                {"f: left out: metadata \"num_cpus\", 1 time", "f: threads left out because they have no items: 1"});
     }
 
     void otherPhasesAreCounted()
@@ -236,7 +236,7 @@ private Q_SLOTS:
         compare("[" + traceEvent("C", "1", "a") + "," + traceEvent("s", "1", "a") + "," + traceEvent("f", "1", "a") +
                     "," + traceEvent("?", "1", "a") + "," + traceEvent("i", "1", "a") + "]",
                 "process 1 | process 1/thread 2: a 1+0",
-                {"f: left out: counters, 1 times", "f: left out: events of the phase \"?\", 1 times",
+                {"f: left out: counters, 1 time", "f: left out: events of the phase \"?\", 1 time",
                  "f: left out: flow events, 2 times"});
     }
 
@@ -301,8 +301,8 @@ private Q_SLOTS:
                 "process 1 | process 1/thread 2: a 1+1",
                 {"f:2: event 1 is left out: it is no object", "f:3: event 2 is left out: it has no phase",
                  "f:4: event 3 is left out: it has no phase", "f:5: event 4 is left out: it has no time",
-                 "f:6: event 5 is left out: it has no time", "f:7: event 6 is left out: its duration is negative",
-                 "f:8: event 7 is left out: it is not valid JSON",
+                 "f:6: event 5 is left out: its time is no number",
+                 "f:7: event 6 is left out: its duration is negative", "f:8: event 7 is left out: it is not valid JSON",
                  "f:9: event 8 is left out: a number is malformed or out of range"});
     }
 
@@ -384,7 +384,7 @@ private Q_SLOTS:
         const Result<Document> result = read(text);
         QVERIFY(result);
         QCOMPARE(result.value().warnings().first(), stretchWarning);
-        QCOMPARE(result.value().warnings().at(1), "f: left out: counters, 1 times");
+        QCOMPARE(result.value().warnings().at(1), "f: left out: counters, 1 time");
         QCOMPARE(result.value().warnings().last(), "f: further warnings: 400");
     }
 
@@ -420,7 +420,7 @@ private Q_SLOTS:
         QCOMPARE(result.value().tracks().front().path, QStringList{"first (0)"});
         QCOMPARE(result.value().itemCount(), 50'000);
         QVERIFY(result.value().warnings().contains("f: items left out because there would be too many tracks: 10"));
-        QVERIFY(result.value().warnings().contains("f: left out: metadata \"process_name\", 1 times"));
+        QVERIFY(result.value().warnings().contains("f: left out: metadata \"process_name\", 1 time"));
     }
 
     void tooManyDepthsAreLeftOut()
