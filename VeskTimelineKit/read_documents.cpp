@@ -56,7 +56,7 @@ ReadDocuments readDocuments(const std::vector<FileToRead>& files, const FilesPro
         }
         Document& document = result.value();
         for (const QString& warning : document.longItemWarnings())
-            document.addWarning(warning);
+            document.addWarning(FileError{file.fileName, 0, warning}.text());
         const bool isWhole = files.size() == 1 && file.trackName.isEmpty();
         if (isWhole) {
             read.document = std::move(document);
