@@ -53,6 +53,8 @@ public:
     QString title() const;
     /// Whether files are being read or written, or the user is being asked how to read them.
     bool isBusy() const;
+    /// The first file's name with its folder and another suffix; without a file a name without a folder.
+    QString suggestedName(const QString& suffix) const;
     bool isSaving() const { return m_snapshot.isRunning() || m_saver.isRunning(); }
 
     /// Asked for each such file that is opened or added, not when one is reloaded. Empty: none is asked.
@@ -130,10 +132,11 @@ private:
     void writeSnapshot(const std::shared_ptr<const VeskTimeline::Kit::Document>& document);
     void takeSaved(const QStringList& warnings);
     void giveUpSaving();
+    QString questionToSave() const;
+    void chooseNameToSave(const QString& suggestion);
     void askToSave(const std::function<void()>& then);
 
     void noticeChange(const QString& fileName, bool exists);
-    QString suggestedName(const QString& suffix) const;
     QString folder() const;
 
     VeskTimeline::Kit::StandardTimelineModel* m_model;

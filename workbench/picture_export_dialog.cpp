@@ -56,6 +56,11 @@ PictureExportDialog::PictureExportDialog(TimelineModel& model, const PictureCont
 void PictureExportDialog::createFields()
 {
     m_file = named("file", new QLineEdit(m_context.fileName, this));
+    // The folder stays when another name is typed.
+    const QFileInfo file(m_context.fileName);
+    m_file->setFocus(Qt::OtherFocusReason);
+    m_file->setSelection(static_cast<int>(m_context.fileName.size() - file.fileName().size()),
+                         static_cast<int>(file.completeBaseName().size()));
     m_range = named("range", new QComboBox(this));
     m_range->addItems({tr("Whole timeline"), tr("What is shown"), tr("From – to")});
     m_from = named("from", new QLineEdit(formatTime(m_context.shownRange.start), this));
@@ -211,6 +216,7 @@ QString PictureExportDialog::check()
 
 void PictureExportDialog::update()
 {
+    m_file->setToolTip(fileName());
     const QString suffix = QFileInfo(fileName()).suffix().toLower();
     const bool isPaged = suffix == u"pdf";
     for (QWidget* const field :

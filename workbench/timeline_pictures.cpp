@@ -1,5 +1,6 @@
 #include "timeline_pictures.h"
 
+#include "file_session.h"
 #include "main_window.h"
 
 #include <VeskTimeline/timeline_header_view.h>
@@ -110,7 +111,8 @@ PictureContext pictureContext(const MainWindow& window)
     // What stands behind the dash is the program's name.
     const QString title = window.windowTitle().remove(QStringLiteral("[*]")).section(QStringLiteral(" – "), 0, 0);
     context.title = QFileInfo(title).completeBaseName();
-    context.fileName = QDir::home().filePath(context.title + QStringLiteral(".png"));
+    // What has no folder yet goes to the home folder.
+    context.fileName = QDir::home().filePath(window.fileSession()->suggestedName(QStringLiteral(".png")));
     return context;
 }
 
@@ -144,6 +146,8 @@ void printTimeline(MainWindow& window)
 {
     const auto printer = std::make_shared<QPrinter>();
     preparePrinter(*printer);
+    // Print dialogs propose it as the name of a file.
+    printer->setDocName(pictureContext(window).title);
     auto* const dialog = new QPrintDialog(printer.get(), &window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setOption(QAbstractPrintDialog::PrintSelection, false);
@@ -167,6 +171,8 @@ void previewPrint(MainWindow& window)
 {
     const auto printer = std::make_shared<QPrinter>();
     preparePrinter(*printer);
+    // Print dialogs propose it as the name of a file.
+    printer->setDocName(pictureContext(window).title);
     auto* const dialog = new QPrintPreviewDialog(printer.get(), &window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, &window, [&window](QPrinter* target) {

@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QProgressDialog>
@@ -72,6 +73,25 @@ private Q_SLOTS:
         QVERIFY(menu);
         for (const char* const name : {"export_picture", "print", "print_preview"})
             QVERIFY2(menu->actions().contains(m_window->findChild<QAction*>(name)), name);
+    }
+
+    void aNameBesideTheDocumentIsProposed()
+    {
+        auto* const file = open()->findChild<QLineEdit*>("file");
+        QCOMPARE(file->text(), "/tmp/ships.png");
+        QCOMPARE(file->selectedText(), "ships");
+        QCOMPARE(file->toolTip(), "/tmp/ships.png");
+        m_window->showDocument(document(), {});
+        QCOMPARE(QFileInfo(pictureContext(*m_window).fileName).path(), QDir::homePath());
+    }
+
+    void thePrintDialogKnowsTheNameOfTheDocument()
+    {
+        m_window->findChild<QAction*>("print")->trigger();
+        auto* const dialog = m_window->findChild<QPrintDialog*>();
+        QVERIFY(dialog);
+        QCOMPARE(dialog->printer()->docName(), "ships");
+        dialog->reject();
     }
 
     void thePictureIsWrittenAsTheDialogSays()
