@@ -2,6 +2,7 @@
 
 #include <VeskTimelineKit/document_format.h>
 
+#include <QAbstractButton>
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QLabel>
@@ -48,6 +49,8 @@ QFileDialog* makeDialog(QWidget* window, const char* name, const QString& title,
     dialog->setAcceptMode(mode);
     // It would ask before the name has got its suffix, and hold everything up.
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    if (mode == QFileDialog::AcceptSave)
+        dialog->setLabelText(QFileDialog::LookIn, Tr::tr("Save in:"));
     return dialog;
 }
 
@@ -73,6 +76,9 @@ QMessageBox* openMessage(QWidget* window, const FileQuestion& question, QMessage
     for (QLabel* const label : box->findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
     box->setDefaultButton(defaultButton);
+    // Some styles mark the harmless answer red and the other one green.
+    for (QAbstractButton* const button : box->buttons())
+        button->setIcon(QIcon());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
     return box;
@@ -118,7 +124,8 @@ void chooseFileToSave(QWidget* window, const QString& suggestion, const std::fun
 {
     QFileDialog* const dialog = makeDialog(window, "saveDialog", Tr::tr("Save timeline"), QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->setNameFilters({filterOf(nativeFormat())});
+    // Traces are *.json as well: listed, they would soon be overwritten.
+    dialog->setNameFilters({QStringLiteral("%1 (*.vtl.json)").arg(nativeFormat().description)});
     dialog->setDirectory(QFileInfo(suggestion).path());
     dialog->selectFile(QFileInfo(suggestion).fileName());
     QObject::connect(dialog, &QFileDialog::fileSelected, window, then);

@@ -105,9 +105,19 @@ void FileSession::whenDisposable(const std::function<void()>& then)
     askToSave(then);
 }
 
+QString FileSession::questionToSave() const
+{
+    if (m_files.empty())
+        return tr("Save the changes?");
+    const QString first = QFileInfo(m_files.front().fileName).fileName();
+    if (m_files.size() == 1)
+        return tr("Save the changes to “%1”?").arg(first);
+    return tr("Save the changes to “%1” and %2 more?").arg(first).arg(m_files.size() - 1);
+}
+
 void FileSession::askToSave(const std::function<void()>& then)
 {
-    const FileQuestion question{"saveChanges", tr("Save the changes?"),
+    const FileQuestion question{"saveChanges", questionToSave(),
                                 tr("Without saving, what has been changed since the last time is lost.")};
     m_question = ask(m_window, question, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
                      QMessageBox::Save, [this, then](QMessageBox::StandardButton button) {
@@ -123,6 +133,7 @@ void FileSession::askToSave(const std::function<void()>& then)
 
 void FileSession::noticeChange(const QString& fileName, bool exists)
 {
+    const bool hasChanges = isModified();
     // The document is no longer what the file says, whatever the user makes of it.
     setUnsaved();
     const QString name = QFileInfo(fileName).fileName();
@@ -135,21 +146,26 @@ void FileSession::noticeChange(const QString& fileName, bool exists)
     }
     if (m_question)
         return;
-    const bool hasChanges = !m_model->undoStack()->isClean();
     const QString details = hasChanges ? tr("Reloading it loses what you have changed.") : QString();
     m_question =
         ask(m_window, {"fileChanged", tr("“%1” has been changed by another program. Reload it?").arg(name), details},
-            QMessageBox::Yes | QMessageBox::No, QMessageBox::No, [this, fileName](QMessageBox::StandardButton button) {
+            hasChanges ? QMessageBox::Yes | QMessageBox::No | QMessageBox::Save : QMessageBox::Yes | QMessageBox::No,
+            QMessageBox::No, [this, fileName](QMessageBox::StandardButton button) {
                 m_question = nullptr;
                 if (button == QMessageBox::Yes) {
                     m_editsWhenAsked = m_edits;
                     load(Purpose::Open, m_files);
+                } else if (button == QMessageBox::Save) {
+                    // Given up, this leaves open what becomes of the file: Save will ask.
+                    chooseNameToSave(suggestedName(tr(" (mine)") + QStringLiteral(".vtl.json")));
                 } else {
                     m_watch.accept(fileName);
                 }
             });
     m_question->button(QMessageBox::Yes)->setText(tr("&Reload"));
     m_question->button(QMessageBox::No)->setText(tr("&Keep this one"));
+    if (QAbstractButton* const saveMine = m_question->button(QMessageBox::Save))
+        saveMine->setText(tr("&Save mine as…"));
 }
 
 QString FileSession::folder() const

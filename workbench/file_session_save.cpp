@@ -56,8 +56,13 @@ void FileSession::save()
 
 void FileSession::askForNameToSave()
 {
+    chooseNameToSave(suggestedName(QStringLiteral(".vtl.json")));
+}
+
+void FileSession::chooseNameToSave(const QString& suggestion)
+{
     chooseFileToSave(
-        m_window, suggestedName(QStringLiteral(".vtl.json")), [this](const QString& fileName) { saveAs(fileName); },
+        m_window, suggestion, [this](const QString& fileName) { saveAs(fileName); },
         [this] { m_afterSaving = nullptr; });
 }
 

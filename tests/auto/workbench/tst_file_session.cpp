@@ -307,6 +307,9 @@ private Q_SLOTS:
         auto* const save = dialog<QFileDialog>(window, "saveDialog");
         QVERIFY(save);
         QCOMPARE(save->findChild<QLineEdit*>("fileNameEdit")->text(), "a.vtl.json");
+        QCOMPARE(save->nameFilters().size(), 1);
+        QVERIFY2(save->nameFilters().first().endsWith(" (*.vtl.json)"), qPrintable(save->nameFilters().first()));
+        QCOMPARE(save->labelText(QFileDialog::LookIn), "Save in:");
         acceptFile(save, path("a.vtl.json"));
         QTRY_COMPARE(window.windowTitle(), "a.vtl.json[*] – VeskTimeline Workbench");
         QVERIFY(!window.isWindowModified());
@@ -414,6 +417,10 @@ private Q_SLOTS:
         const QString file = openNative();
         m_window->model()->setItemLabel(0, "changed");
         QVERIFY(!m_window->close());
+        QTRY_VERIFY(box(*m_window, "saveChanges"));
+        QCOMPARE(box(*m_window, "saveChanges")->text(), "Save the changes to “n.vtl.json”?");
+        for (const QAbstractButton* const button : box(*m_window, "saveChanges")->buttons())
+            QVERIFY(button->icon().isNull());
         PRESS(*m_window, "saveChanges", Cancel);
         QVERIFY(m_window->isVisible());
         m_window->close();
@@ -507,6 +514,37 @@ private Q_SLOTS:
         PRESS(*m_window, "fileChanged", Yes);
         QTRY_COMPARE(m_window->model()->itemCount(), 5);
         QVERIFY(!m_window->isWindowModified());
+    }
+
+    void whatIsMineIsSavedAsAnotherFileWhenOthersChangeIt()
+    {
+        const QString file = openNative();
+        m_window->model()->setItemLabel(0, "mine");
+        write("n.vtl.json", vtlText(documentOf(5)));
+        PRESS(*m_window, "fileChanged", Save);
+        auto* save = dialog<QFileDialog>(*m_window, "saveDialog");
+        QVERIFY(save);
+        QCOMPARE(save->findChild<QLineEdit*>("fileNameEdit")->text(), "n (mine).vtl.json");
+        save->reject();
+        QVERIFY(m_window->isWindowModified());
+        action(*m_window, "save")->trigger(); // nothing has been decided
+        PRESS(*m_window, "fileChangedBeforeSave", Cancel);
+        write("n.vtl.json", vtlText(documentOf(6)));
+        PRESS(*m_window, "fileChanged", Save);
+        save = dialog<QFileDialog>(*m_window, "saveDialog");
+        QVERIFY(save);
+        acceptFile(save, path("n (mine).vtl.json"));
+        QTRY_COMPARE(contents(path("n (mine).vtl.json")), vtlText(m_window->model()->document()));
+        QTRY_VERIFY(!m_window->isWindowModified());
+        QCOMPARE(contents(file), vtlText(documentOf(6)));
+    }
+
+    void withoutChangesThereIsNothingOfMineToSave()
+    {
+        openNative();
+        write("n.vtl.json", vtlText(documentOf(5)));
+        QTRY_VERIFY(box(*m_window, "fileChanged"));
+        QVERIFY(!box(*m_window, "fileChanged")->button(QMessageBox::Save));
     }
 
     void aFileThatIsReplacedIsNoticedAndCanBeKeptAsItIs()
