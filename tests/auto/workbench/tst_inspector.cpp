@@ -206,6 +206,10 @@ private Q_SLOTS:
         QCOMPARE(scene.field("label")->text(), "");
         QCOMPARE(scene.line("label")->placeholderText(), "(mixed)");
         QCOMPARE(scene.line("duration")->placeholderText(), "(mixed)");
+        auto* const description = scene.field("description")->findChild<QPlainTextEdit*>();
+        QCOMPARE(description->toPlainText(), "");
+        QCOMPARE(description->placeholderText(), "(mixed)");
+        QCOMPARE(scene.inspector.findChild<QToolButton*>("color")->text(), "(mixed)");
         QCOMPARE(scene.inspector.findChild<QComboBox*>("track")->currentIndex(), -1);
         QCOMPARE(scene.inspector.findChild<QCheckBox*>("locked")->checkState(), Qt::PartiallyChecked);
         QCOMPARE(scene.attributes(), (QStringList{"crew=(mixed)", "lead=(mixed)"}));
