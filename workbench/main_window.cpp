@@ -59,6 +59,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent)
     createViewMenu();
     createHelpMenu();
     createToolBar();
+    explainFit();
     resize(startSize);
     showDocument(Document(), {});
 }

@@ -104,6 +104,7 @@ private:
     void createEditMenu();
     void createNavigateMenu();
     void createViewMenu();
+    void explainFit();
     void createHelpMenu();
     void addUndoActions(QMenu* menu);
     /// Export, print preview and print.

@@ -42,6 +42,15 @@ void MainWindow::createViewMenu()
     menu->addAction(findChild<QAction*>(QStringLiteral("inspector")));
 }
 
+// The view zooms out to one day at the most, which is little of a document of years.
+void MainWindow::explainFit()
+{
+    auto* const fit = findChild<QAction*>(QStringLiteral("fit"));
+    const QString text = tr("The start of the timeline, at most one day; the strip at the bottom shows all of it");
+    fit->setStatusTip(text);
+    fit->setToolTip(fit->toolTip() + u'\n' + text);
+}
+
 void MainWindow::keepViewSettings(std::optional<Theme::Scheme> look)
 {
     const std::unique_ptr<QSettings> settings = openSettings();

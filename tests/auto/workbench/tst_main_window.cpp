@@ -321,6 +321,10 @@ private Q_SLOTS:
         action(window, "pnx_zoom_in")->trigger();
         window.timeline()->setCurrentTime(sampleStart + 3 * day);
         action(window, "fit")->trigger();
+        // Why a longer document is not seen whole.
+        QVERIFY(action(window, "fit")->toolTip().contains("at most one day"));
+        QVERIFY(action(window, "fit")->statusTip().contains("at most one day"));
+        QVERIFY(action(window, "fit")->toolTip().contains("Ctrl+0"));
         QCOMPARE(window.timeline()->zoomFactor(), Zoom::OneDay);
         QCOMPARE(window.timeline()->currentTime(), sampleStart);
     }
