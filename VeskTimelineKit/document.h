@@ -58,8 +58,8 @@ struct TimeSpan
 class VESKTIMELINEKIT_EXPORT Document
 {
 public:
-    /// Readers make no more tracks than that of one file, and say what they leave out. Each track is a row, more rows
-    /// than anybody looks through, and a short text can name a great many.
+    /// Readers make no more tracks than that of a file that is not in the native format, and say what they leave out:
+    /// more rows than anybody looks through, and a short text can name a great many.
     static constexpr std::size_t mostTracks = 100'000;
 
     const std::vector<DocumentTrack>& tracks() const { return m_tracks; }

@@ -132,13 +132,12 @@ void JournalReplay::readChanges(QFile& file, qint64 end)
             isWhole = false;
         }
     }
-    if (!isWhole && isDone())
+    const bool isCutOff = isWhole ? !delta.isEmpty() : isDone();
+    if (isCutOff)
         m_problems.append(Tr::tr("The last change was not written to its end and is lost."));
     else if (!isWhole)
         m_problems.append(
             Tr::tr("The journal is damaged: what was changed after its %n. change is lost.", nullptr, m_changeCount));
-    else if (!delta.isEmpty())
-        m_problems.append(Tr::tr("The last change was not written to its end and is lost."));
 }
 
 } // namespace VeskTimeline::Kit
