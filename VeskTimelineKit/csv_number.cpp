@@ -62,8 +62,8 @@ std::optional<CsvMsecs> csvMsecs(QStringView text, CsvTimeUnit unit, QChar decim
     const std::optional<NumberParts> parts = partsOf(text, decimalPoint);
     if (!parts)
         return std::nullopt;
-    // More than any time within the years 1 to 9999.
-    constexpr qint64 tooFar = 1'000'000'000'000'000'000;
+    // More than any time within the years 1 to 9999; one more digit still fits.
+    constexpr qint64 tooFar = 100'000'000'000'000'000;
     const int shift = shiftOf(unit);
     const qsizetype wholeSize = std::max<qsizetype>(parts->whole.size() + std::min(shift, 0), 0);
     CsvMsecs result;

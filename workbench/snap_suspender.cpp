@@ -12,7 +12,8 @@ namespace Workbench {
 
 using namespace VeskTimeline;
 
-SnapSuspender::SnapSuspender(TimelineModel* model, TimelineView* view) : QObject(view), m_model(model), m_view(view)
+SnapSuspender::SnapSuspender(TimelineModel* model, TimelineView* view)
+    : QObject(view), m_model(model), m_viewport(view->viewport())
 {
     // Keys go to whatever has the focus.
     QCoreApplication::instance()->installEventFilter(this);
@@ -25,7 +26,8 @@ void SnapSuspender::update()
         return;
     m_isSuspending = isWanted;
     m_model->setSnapEnabled(!isWanted);
-    m_view->viewport()->update();
+    if (m_viewport)
+        m_viewport->update();
 }
 
 void SnapSuspender::filterMouse(QEvent* event)
@@ -71,7 +73,7 @@ bool SnapSuspender::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease)
         filterKey(event);
-    else if (watched == m_view->viewport())
+    else if (watched == m_viewport)
         filterMouse(event);
     return QObject::eventFilter(watched, event);
 }

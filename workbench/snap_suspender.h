@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 
 namespace VeskTimeline {
 class TimelineModel;
@@ -31,7 +32,7 @@ private:
     void update();
 
     QPointer<VeskTimeline::TimelineModel> m_model;
-    VeskTimeline::TimelineView* m_view;
+    QPointer<QWidget> m_viewport; ///< events still come while the view is being destroyed
     bool m_isHeld = false;
     bool m_isShift = false;
     bool m_isSuspending = false;
