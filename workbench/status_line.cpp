@@ -56,6 +56,7 @@ StatusLine::StatusLine(Navigation* navigation, ViewSettings* settings, QWidget* 
     : QWidget(parent),
       m_timeline(navigation->widget()),
       m_view(m_timeline->view()),
+      m_rows(m_view->viewport()),
       m_model(navigation->model()),
       m_navigation(navigation),
       m_settings(settings),
@@ -138,7 +139,7 @@ void StatusLine::setPointer(const QPoint* pos, bool isOverRuler)
 
 bool StatusLine::eventFilter(QObject* watched, QEvent* event)
 {
-    const bool isRuler = watched != m_view->viewport();
+    const bool isRuler = watched != m_rows;
     switch (event->type()) {
     case QEvent::MouseMove: {
         const QPoint pos = static_cast<QMouseEvent*>(event)->position().toPoint();

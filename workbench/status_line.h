@@ -56,6 +56,7 @@ private:
 
     VeskTimeline::TimelineWidget* m_timeline;
     VeskTimeline::TimelineView* m_view;
+    const QObject* m_rows; ///< compared only: events still come while the view is being destroyed
     QPointer<VeskTimeline::Kit::StandardTimelineModel> m_model;
     Navigation* m_navigation;
     ViewSettings* m_settings;
