@@ -25,6 +25,9 @@ CsvRecordReader::CsvRecordReader(NextBlock nextBlock, char delimiter, const QStr
     if (csv_init(&m_parser, CSV_STRICT | CSV_STRICT_FINI) != 0)
         throw std::bad_alloc();
     csv_set_delim(&m_parser, static_cast<unsigned char>(delimiter));
+    // By so much the parser's room for a record grows; by its own 128 bytes a long field would be copied very often.
+    constexpr std::size_t growth = 256 * 1024;
+    csv_set_blk_size(&m_parser, growth);
 }
 
 CsvRecordReader::~CsvRecordReader()
