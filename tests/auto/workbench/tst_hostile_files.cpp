@@ -15,9 +15,11 @@
 
 namespace {
 
-// What a file may cost at most, whatever is in it. A build without optimisation is given three times as long; with
-// sanitizers memory is not held to a limit, as most of it is theirs.
-#if defined(__OPTIMIZE__)
+// What a file may cost at most, whatever is in it. A build without optimisation is given three times as long, one with
+// sanitizers four times that, and memory is not held to a limit there, as most of it is theirs.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr unsigned int mostSeconds = 120;
+#elif defined(__OPTIMIZE__)
 constexpr unsigned int mostSeconds = 10;
 #else
 constexpr unsigned int mostSeconds = 30;
