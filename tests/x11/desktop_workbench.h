@@ -4,6 +4,7 @@
 
 #include <VeskTimelineKit/standard_timeline_model.h>
 
+#include <QPointer>
 #include <QSet>
 #include <QStringList>
 #include <QUndoStack>
@@ -69,6 +70,8 @@ struct DesktopWorkbench
     Pointer pointer;
 
 private:
+    mutable QPointer<QWidget> m_ready;
+
     QList<QMenu*> pathTo(const QString& name, const QString& menu) const;
     QString chooseAlong(const QList<QMenu*>& path, const QString& name, const QStringList& keys);
     QString clickIn(QMenu* menu, const QString& name, const QStringList& keys = {});
@@ -78,8 +81,11 @@ template <typename Dialog>
 Dialog* DesktopWorkbench::dialog() const
 {
     for (auto* const dialog : window.findChildren<Dialog*>()) {
-        if (dialog->isVisible() && dialog->isActiveWindow())
+        // One that has been ready for input stays so, though the focus may leave it for a moment.
+        if (dialog->isVisible() && (dialog->isActiveWindow() || dialog == m_ready)) {
+            m_ready = dialog;
             return dialog;
+        }
     }
     return nullptr;
 }
