@@ -42,12 +42,12 @@ void DocumentSnapshot::startAnew()
 void DocumentSnapshot::advance()
 {
     constexpr int step = 500;
-    constexpr qint64 slice = 10; // milliseconds
     QElapsedTimer time;
     time.start();
     bool isDone = false;
-    while (!isDone && time.elapsed() < slice)
+    do {
         isDone = m_builder->advance(step);
+    } while (!isDone && time.elapsed() < m_slice);
     if (!isDone)
         return;
     m_timer.stop();

@@ -25,6 +25,10 @@ public:
     explicit DocumentSnapshot(StandardTimelineModel* model, QObject* parent = nullptr);
     ~DocumentSnapshot() override;
 
+    /// How long it may hold up the event loop at a time, in milliseconds; 10 unless set. With 0 or less it takes down
+    /// as little at a time as it can.
+    void setSlice(int milliseconds) { m_slice = milliseconds; }
+
     bool isRunning() const { return m_builder != nullptr; }
     /// Only when not isRunning().
     void start();
@@ -45,6 +49,7 @@ private:
     StandardTimelineModel* m_model;
     std::unique_ptr<DocumentBuilder> m_builder;
     QTimer m_timer;
+    int m_slice = 10;
 };
 
 } // namespace VeskTimeline::Kit

@@ -630,7 +630,5 @@ private:
     std::unique_ptr<StandardTimelineModel> m_model;
 };
 
-Q_DECLARE_METATYPE(VeskTimeline::Kit::PictureOptions)
-
 QTEST_MAIN(TestPictureExport)
 #include "tst_picture_export.moc"
