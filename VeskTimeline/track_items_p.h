@@ -6,9 +6,9 @@
 
 namespace VeskTimeline {
 
-/// Calls `visit(const Item&)`, in the list's order, for the track's own items that touch the closed interval from `from`
-/// to `to`: those that start no later than `to` and end, at start plus duration, no earlier than `from`. An open-ended
-/// item, whose duration is -1, goes on for ever. May visit others that come between these.
+/// Calls `visit(const Item&)`, in the list's order, for the track's own items that touch the closed interval from
+/// `from` to `to`: those that start no later than `to` and end, at start plus duration, no earlier than `from`. An
+/// open-ended item, whose duration is -1, goes on for ever. May visit others that come between these.
 ///
 /// The visitor changes neither the list nor the times.
 template <typename Visit>
