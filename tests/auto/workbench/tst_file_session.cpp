@@ -182,7 +182,7 @@ private Q_SLOTS:
         auto* const cancel = window.statusBar()->findChild<QToolButton*>("taskCancel");
         QVERIFY(bar && cancel && !bar->isVisible());
         while (!bar->isVisible() || bar->value() <= 0)
-            QVERIFY(progress.wait());
+            QVERIFY(progress.wait(30000));
         QTest::mouseClick(cancel, Qt::LeftButton);
         QVERIFY(isIdle(window));
         QVERIFY(!bar->isVisible());
@@ -395,12 +395,12 @@ private Q_SLOTS:
 
     void aCancelledSaveLeavesTheFileAndStaysModified()
     {
-        const QString file = openNative(500000);
+        const QString file = openNative(200000);
         const QByteArray before = contents(file);
         m_window->model()->setItemLabel(0, "changed");
         QSignalSpy progress(m_window->fileSession(), &FileSession::workProgressed);
         action(*m_window, "save")->trigger();
-        QVERIFY(progress.wait());
+        QVERIFY(progress.wait(30000));
         m_window->fileSession()->cancel();
         QTRY_VERIFY(isIdle(*m_window));
         QVERIFY(m_window->isWindowModified());
@@ -694,7 +694,7 @@ private:
         m_window = std::make_unique<MainWindow>();
         m_window->show();
         m_window->fileSession()->open({file});
-        [&] { QTRY_COMPARE_WITH_TIMEOUT(m_window->model()->itemCount(), count, 20000); }();
+        [&] { QTRY_COMPARE_WITH_TIMEOUT(m_window->model()->itemCount(), count, 60000); }();
         return file;
     }
     QString path(const QString& name) const { return m_dir->filePath(name); }
