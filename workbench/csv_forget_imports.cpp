@@ -1,10 +1,10 @@
 #include "csv_forget_imports.h"
 
 #include "csv_import_assistant.h"
+#include "file_dialogs.h"
 
 #include <QAction>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPushButton>
 
 namespace Workbench {
@@ -17,17 +17,13 @@ void askToForget(CsvImportAssistant* assistant)
     const QString question =
         count == 1 ? CsvImportAssistant::tr("Forget how CSV files with one kind of header are imported?")
                    : CsvImportAssistant::tr("Forget how CSV files with %1 kinds of headers are imported?").arg(count);
-    auto* const box = new QMessageBox(QMessageBox::Question, CsvImportAssistant::tr("Forget CSV imports"), question,
-                                      QMessageBox::Cancel, assistant->window());
-    box->setObjectName(QStringLiteral("forgetImports"));
-    box->setInformativeText(CsvImportAssistant::tr("Such files are detected anew and asked about again. Documents that "
-                                                   "are open stay as they are."));
+    const QString details = CsvImportAssistant::tr("Such files are detected anew and asked about again. Documents that "
+                                                   "are open stay as they are.");
+    QMessageBox* const box = openMessage(assistant->window(), {"forgetImports", question, details}, QMessageBox::Cancel,
+                                         QMessageBox::Cancel);
     auto* const forget = box->addButton(CsvImportAssistant::tr("&Forget"), QMessageBox::DestructiveRole);
     forget->setObjectName(QStringLiteral("forget"));
-    box->setDefaultButton(QMessageBox::Cancel);
-    box->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(forget, &QPushButton::clicked, assistant, [assistant] { assistant->memory().forgetAll(); });
-    box->open();
 }
 
 } // namespace

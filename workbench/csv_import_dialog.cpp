@@ -4,6 +4,7 @@
 #include "csv_options_form.h"
 #include "csv_preview_model.h"
 #include "csv_preview_tables.h"
+#include "icons.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -136,7 +137,7 @@ QWidget* CsvImportDialog::createButtonRow()
     m_reasonIcon = new QLabel(side);
     m_reasonIcon->setObjectName(QStringLiteral("csvReasonIcon"));
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    m_reasonIcon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    m_reasonIcon->setPixmap(icon(QStringLiteral("warning")).pixmap(size));
     m_reason = plainLabel("csvReason", side);
     m_detect = new QPushButton(tr("De&tect all"), side);
     m_detect->setObjectName(QStringLiteral("csvDetectAll"));

@@ -1,10 +1,11 @@
 #include "csv_preview_model.h"
 
+#include "icons.h"
+
 #include <VeskTimelineKit/time_text.h>
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyle>
 
 #include <algorithm>
 
@@ -16,11 +17,6 @@ namespace {
 
 // More columns than anybody looks through; each costs a cell a row.
 constexpr qsizetype mostFields = 200;
-
-QIcon warningIcon()
-{
-    return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
-}
 
 // The ground of a table with a touch of amber, on light and on dark ground.
 QColor refusedColor()
@@ -93,7 +89,7 @@ QVariant CsvPreviewModel::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole:
         return plain(toolTip(index.row(), index.column()));
     case Qt::DecorationRole:
-        return isFirst && isRefused(index.row()) ? QVariant(warningIcon()) : QVariant();
+        return isFirst && isRefused(index.row()) ? QVariant(icon(QStringLiteral("warning"))) : QVariant();
     case Qt::BackgroundRole:
         return isRefused(index.row()) ? QVariant(refusedColor()) : QVariant();
     default:
@@ -163,7 +159,7 @@ QVariant CsvPreviewModel::lineData(int row, int role) const
     if (role == Qt::DisplayRole)
         return m_preview.records.at(row).line;
     if (role == Qt::DecorationRole && isRefused(row))
-        return warningIcon();
+        return icon(QStringLiteral("warning"));
     return role == Qt::ToolTipRole ? plain(toolTip(row, Track)) : QVariant();
 }
 

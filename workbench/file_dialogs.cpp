@@ -1,11 +1,18 @@
 #include "file_dialogs.h"
 
+#include "icons.h"
+
 #include <VeskTimelineKit/document_format.h>
 
-#include <QAbstractButton>
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+
+#include <algorithm>
 
 namespace Workbench {
 
@@ -63,22 +70,42 @@ const DocumentFormat* formatOfFilter(const QString& filter)
     return nullptr;
 }
 
+// Of the workbench, not of the style: in the manner of its other icons, on light and on dark ground.
+QPixmap pixmapOf(QMessageBox::Icon kind)
+{
+    const QString name = kind == QMessageBox::Information ? QStringLiteral("information")
+                         : kind == QMessageBox::Question  ? QStringLiteral("question")
+                                                          : QStringLiteral("warning");
+    return icon(name).pixmap(QApplication::style()->pixelMetric(QStyle::PM_MessageBoxIconSize));
+}
+
+// A short text above must not break the lines below it, such as names of files, into many.
+void makeRoomForDetails(const QMessageBox& box)
+{
+    constexpr int widest = 480;
+    auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    if (!label)
+        return;
+    const int needed = label->fontMetrics().size(Qt::TextExpandTabs, label->text()).width();
+    label->setMinimumWidth(std::min(needed + 1, widest));
+}
+
 } // namespace
 
 QMessageBox* openMessage(QWidget* window, const FileQuestion& question, QMessageBox::StandardButtons buttons,
                          QMessageBox::StandardButton defaultButton)
 {
-    auto* const box = new QMessageBox(question.icon, Tr::tr("VeskTimeline Workbench"), question.text, buttons, window);
+    auto* const box =
+        new QMessageBox(QMessageBox::NoIcon, Tr::tr("VeskTimeline Workbench"), question.text, buttons, window);
     box->setObjectName(QString::fromLatin1(question.name));
     box->setTextFormat(Qt::PlainText);
     box->setInformativeText(question.details);
     // Its own setting holds for the text alone.
     for (QLabel* const label : box->findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
+    box->setIconPixmap(pixmapOf(question.icon));
+    makeRoomForDetails(*box);
     box->setDefaultButton(defaultButton);
-    // Some styles mark the harmless answer red and the other one green.
-    for (QAbstractButton* const button : box->buttons())
-        button->setIcon(QIcon());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
     return box;
@@ -93,6 +120,24 @@ QMessageBox* ask(QWidget* window, const FileQuestion& question, QMessageBox::Sta
         const QMessageBox::StandardButton button = box->standardButton(box->clickedButton());
         then(button == QMessageBox::NoButton ? QMessageBox::Cancel : button);
     });
+    return box;
+}
+
+QMessageBox* askToReplace(QWidget* window, const QString& fileName, const std::function<void()>& then,
+                          const std::function<void()>& otherwise)
+{
+    const QFileInfo file(fileName);
+    if (!file.exists()) {
+        then();
+        return nullptr;
+    }
+    QMessageBox* const box = ask(
+        window,
+        {"overwrite", Tr::tr("“%1” is there already. Replace it?").arg(file.fileName()),
+         QDir::toNativeSeparators(file.absoluteFilePath())},
+        QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel,
+        [then, otherwise](QMessageBox::StandardButton button) { button == QMessageBox::Save ? then() : otherwise(); });
+    box->button(QMessageBox::Save)->setText(Tr::tr("&Replace"));
     return box;
 }
 
@@ -161,9 +206,22 @@ const DocumentFormat& nativeFormat()
     return *documentFormatByName(QStringLiteral("vtl"));
 }
 
+QString withoutFormatSuffix(const QString& fileName)
+{
+    qsizetype longest = 0;
+    for (const DocumentFormat& format : documentFormats()) {
+        for (const QString& suffix : format.suffixes) {
+            if (fileName.endsWith(u'.' + suffix, Qt::CaseInsensitive))
+                longest = std::max(longest, suffix.size() + 1);
+        }
+    }
+    return fileName.chopped(longest);
+}
+
 QString withNativeSuffix(const QString& fileName)
 {
-    return documentFormatBySuffix(fileName) == &nativeFormat() ? fileName : fileName + QStringLiteral(".vtl.json");
+    const QString suffix = QStringLiteral(".vtl.json");
+    return fileName.endsWith(suffix, Qt::CaseInsensitive) ? fileName : withoutFormatSuffix(fileName) + suffix;
 }
 
 } // namespace Workbench

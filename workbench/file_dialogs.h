@@ -16,7 +16,7 @@ struct DocumentFormat;
 
 namespace Workbench {
 
-/// What is said or asked in a dialog about files.
+/// What is said or asked in a message box.
 struct FileQuestion
 {
     const char* name; ///< of the dialog as an object
@@ -33,6 +33,12 @@ QMessageBox* openMessage(QWidget* window, const FileQuestion& question, QMessage
 QMessageBox* ask(QWidget* window, const FileQuestion& question, QMessageBox::StandardButtons buttons,
                  QMessageBox::StandardButton defaultButton,
                  const std::function<void(QMessageBox::StandardButton)>& then);
+
+/// Asks, in a box "overwrite", whether a file that is there may be replaced; calls one of the two, at once when there
+/// is no such file.
+/// @return null when nothing is asked
+QMessageBox* askToReplace(QWidget* window, const QString& fileName, const std::function<void()>& then,
+                          const std::function<void()>& otherwise);
 
 /// Says once for each file why it was refused, in one dialog "notOpened".
 void reportRefusals(QWidget* window, const QList<VeskTimeline::Kit::FileError>& refusals);
@@ -52,7 +58,10 @@ void chooseFileToExport(QWidget* window, const QString& suggestion,
 
 /// The format that Save writes.
 const VeskTimeline::Kit::DocumentFormat& nativeFormat();
-/// The name with the native suffix, if it has none that is native.
+/// The name without the suffix of a format, if it has one.
+QString withoutFormatSuffix(const QString& fileName);
+/// The name with the native suffix, in place of that of another format: a name that others share, as *.json is that of
+/// traces, too, would say of the file what it is not.
 QString withNativeSuffix(const QString& fileName);
 
 } // namespace Workbench

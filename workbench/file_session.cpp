@@ -48,15 +48,22 @@ bool FileSession::isModified() const
 
 QString FileSession::title() const
 {
-    const QString stretched = m_stretch != 1.0 ? tr(" (times stretched by %1)").arg(m_stretch) : QString();
     if (m_files.empty())
-        return tr("[*]VeskTimeline Workbench");
+        return tr("[*]VeskTimeline Workbench") + stretchText();
     // The place of the mark is doubled where a file name looks like one.
     const QString first =
         QFileInfo(m_files.front().fileName).fileName().replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     if (m_files.size() == 1)
-        return tr("%1[*] – VeskTimeline Workbench").arg(first) + stretched;
-    return tr("%1 and %2 more[*] – VeskTimeline Workbench").arg(first).arg(m_files.size() - 1) + stretched;
+        return tr("%1[*] – VeskTimeline Workbench").arg(first) + stretchText();
+    return tr("%1 and %2 more[*] – VeskTimeline Workbench").arg(first).arg(m_files.size() - 1) + stretchText();
+}
+
+QString FileSession::stretchText() const
+{
+    if (m_stretch == 1.0)
+        return {};
+    return m_isStretchedWhole ? tr(" (times stretched by %1)").arg(m_stretch)
+                              : tr(" (times of traces stretched by %1)").arg(m_stretch);
 }
 
 bool FileSession::isBusy() const
@@ -133,6 +140,7 @@ void FileSession::askToSave(const std::function<void()>& then)
 
 void FileSession::noticeChange(const QString& fileName, bool exists)
 {
+    Q_EMIT contentsNeeded();
     const bool hasChanges = isModified();
     // The document is no longer what the file says, whatever the user makes of it.
     setUnsaved();
@@ -177,14 +185,7 @@ QString FileSession::suggestedName(const QString& suffix) const
 {
     if (m_files.empty())
         return tr("timeline") + suffix;
-    QString name = QFileInfo(m_files.front().fileName).absoluteFilePath();
-    for (const DocumentFormat& format : documentFormats()) {
-        for (const QString& other : format.suffixes) {
-            if (name.endsWith(u'.' + other, Qt::CaseInsensitive))
-                return name.chopped(other.size() + 1) + suffix;
-        }
-    }
-    return name + suffix;
+    return withoutFormatSuffix(QFileInfo(m_files.front().fileName).absoluteFilePath()) + suffix;
 }
 
 } // namespace Workbench

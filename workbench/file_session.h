@@ -136,6 +136,7 @@ private:
     void chooseNameToSave(const QString& suggestion);
     void askToSave(const std::function<void()>& then);
 
+    QString stretchText() const;
     void noticeChange(const QString& fileName, bool exists);
     QString folder() const;
 
@@ -145,6 +146,7 @@ private:
     bool m_isAsking = false;
     Files m_files;
     double m_stretch = 1.0;
+    bool m_isStretchedWhole = true; ///< all of the files, not only some
     bool m_isUnsaved = false;
     FileWatch m_watch;
 

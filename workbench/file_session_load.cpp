@@ -14,6 +14,16 @@ namespace Workbench {
 
 using namespace VeskTimeline::Kit;
 
+namespace {
+
+bool areAllStretched(const std::vector<FileToRead>& files)
+{
+    return std::all_of(files.begin(), files.end(),
+                       [](const FileToRead& file) { return file.format && file.format->isStretched; });
+}
+
+} // namespace
+
 void FileSession::createLoader()
 {
     connect(&m_loader, &DocumentLoader::progressChanged, this, [this](double share, const QString& fileName) {
@@ -158,6 +168,7 @@ void FileSession::replaceDocument(LoadedDocument& loaded)
 {
     m_files = m_loading;
     m_stretch = loaded.stretch;
+    m_isStretchedWhole = areAllStretched(m_files);
     m_isUnsaved = false;
     m_watch.watch(m_stampsOfLoading);
     m_model->setDocument(std::move(loaded.prepared));
@@ -170,7 +181,12 @@ void FileSession::replaceDocument(LoadedDocument& loaded)
 
 void FileSession::addLoaded(LoadedDocument& loaded)
 {
+    const bool wasStretchedWhole = !m_model->rootTrack()->hasTracks() || (m_stretch != 1.0 && m_isStretchedWhole);
     m_model->addDocument(std::move(loaded.prepared));
+    m_isStretchedWhole = wasStretchedWhole && areAllStretched(m_loading);
+    if (loaded.stretch != 1.0)
+        m_stretch = loaded.stretch;
+    Q_EMIT stateChanged();
     QStringList names;
     for (const FileToRead& file : m_loading)
         names.append(file.fileName);

@@ -74,20 +74,16 @@ void FileSession::askForNameToExport()
 
 void FileSession::askBeforeOverwriting(const QString& fileName, const std::function<void()>& then)
 {
-    if (!QFileInfo::exists(fileName)) {
-        then();
-        return;
-    }
-    m_question = ask(
-        m_window, {"overwrite", tr("“%1” is there already. Replace it?").arg(QFileInfo(fileName).fileName()), {}},
-        QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel, [this, then](QMessageBox::StandardButton button) {
+    m_question = askToReplace(
+        m_window, fileName,
+        [this, then] {
             m_question = nullptr;
-            if (button == QMessageBox::Save)
-                then();
-            else
-                m_afterSaving = nullptr;
+            then();
+        },
+        [this] {
+            m_question = nullptr;
+            m_afterSaving = nullptr;
         });
-    m_question->button(QMessageBox::Save)->setText(tr("&Replace"));
 }
 
 void FileSession::saveAs(const QString& fileName)

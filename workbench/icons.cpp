@@ -28,6 +28,7 @@ bool hasIcon(const QString& name)
 
 QIcon icon(const QString& name)
 {
+    registerIcons();
     return QIcon(new ThemedIconEngine(QStringLiteral("icon:%1.svg").arg(name)));
 }
 

@@ -1,5 +1,6 @@
 #include "picture_export_dialog.h"
 
+#include "file_dialogs.h"
 #include "page_sizes.h"
 #include "time_argument.h"
 
@@ -10,6 +11,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -145,7 +147,7 @@ void PictureExportDialog::connectFields()
     connect(m_scale, &QDoubleSpinBox::valueChanged, this, &PictureExportDialog::update);
     for (QCheckBox* const box : {m_portrait, m_limits, m_indicator})
         connect(box, &QCheckBox::toggled, this, &PictureExportDialog::update);
-    connect(m_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(m_buttons, &QDialogButtonBox::accepted, this, &PictureExportDialog::accept);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     constexpr int afterTyping = 150; // milliseconds
     m_previewTimer->setSingleShot(true);
@@ -155,16 +157,24 @@ void PictureExportDialog::connectFields()
 
 void PictureExportDialog::askForFile()
 {
-    const QString fileName =
-        QFileDialog::getSaveFileName(this, tr("Export picture"), m_file->text(), tr("Pictures (*.png *.svg *.pdf)"),
+    const QString chosen =
+        QFileDialog::getSaveFileName(this, tr("Export picture"), fileName(), tr("Pictures (*.png *.svg *.pdf)"),
                                      nullptr, QFileDialog::DontConfirmOverwrite);
-    if (!fileName.isEmpty())
-        m_file->setText(fileName);
+    if (!chosen.isEmpty())
+        m_file->setText(chosen);
 }
 
+// A name alone is one in the folder that was proposed, wherever the program was started.
 QString PictureExportDialog::fileName() const
 {
-    return m_file->text();
+    const QString name = m_file->text();
+    return name.isEmpty() ? name : QFileInfo(m_context.fileName).absoluteDir().absoluteFilePath(name);
+}
+
+void PictureExportDialog::accept()
+{
+    askToReplace(
+        this, fileName(), [this] { QDialog::accept(); }, [] {});
 }
 
 PictureOptions PictureExportDialog::options() const

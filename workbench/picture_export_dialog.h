@@ -45,6 +45,9 @@ public:
     QString fileName() const;
     VeskTimeline::Kit::PictureOptions options() const;
 
+    /// Asks before a file is replaced, and stays open when it is not to be.
+    void accept() override;
+
 private:
     void createFields();
     void layOut();

@@ -1,11 +1,12 @@
 #include "recovery_dialog.h"
 
+#include "file_dialogs.h"
+
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -95,17 +96,13 @@ void RecoveryDialog::askToDiscard()
 {
     const QString journal = selectedJournal();
     const QString title = m_list->selectedItems().first()->text(0);
-    auto* const question = new QMessageBox(
-        QMessageBox::Warning, tr("Discard Changes"),
-        tr("Discard the unsaved changes of “%1”? They cannot be brought back.").arg(title.toHtmlEscaped()),
-        QMessageBox::Discard | QMessageBox::Cancel, this);
-    question->setDefaultButton(QMessageBox::Cancel);
-    question->setAttribute(Qt::WA_DeleteOnClose);
-    connect(question, &QDialog::finished, this, [this, journal](int answer) {
-        if (answer == QMessageBox::Discard)
-            Q_EMIT discardWanted(journal);
-    });
-    question->open();
+    const FileQuestion question{"discardJournal", tr("Discard the unsaved changes of “%1”?").arg(title),
+                                tr("They cannot be brought back."), QMessageBox::Warning};
+    ask(this, question, QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel,
+        [this, journal](QMessageBox::StandardButton answer) {
+            if (answer == QMessageBox::Discard)
+                Q_EMIT discardWanted(journal);
+        });
 }
 
 void RecoveryDialog::removeJournal(const QString& fileName)

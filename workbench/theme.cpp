@@ -1,7 +1,9 @@
 #include "theme.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QEvent>
+#include <QPushButton>
 #include <QStyle>
 
 namespace Workbench {
@@ -156,10 +158,24 @@ std::optional<Theme::Scheme> Theme::schemeOf(const QString& name)
     return std::nullopt;
 }
 
+// Some styles mark the harmless answer of a dialog red and the other one green.
+void Theme::leaveOutButtonIcon(QObject* object)
+{
+    auto* const button = qobject_cast<QPushButton*>(object);
+    if (!button || !qobject_cast<QDialogButtonBox*>(button->parent()))
+        return;
+    button->setIcon({});
+    // A dialog that is open gets new ones from another style, perhaps only after this event.
+    QMetaObject::invokeMethod(
+        button, [button] { button->setIcon({}); }, Qt::QueuedConnection);
+}
+
 bool Theme::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && m_scheme == System && !m_isApplying)
         Q_EMIT changed();
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
+        leaveOutButtonIcon(watched);
     return QObject::eventFilter(watched, event);
 }
 

@@ -13,7 +13,7 @@ namespace Workbench {
 ///
 /// A chosen look has a palette of its own, drawn by the Fusion style; the system's look is what the platform gives, and
 /// follows it while the program runs. Where the desktop is dark and the platform's palette has not been told, the
-/// system's look is the dark one.
+/// system's look is the dark one. In any look the buttons at the end of dialogs have texts only.
 class Theme : public QObject
 {
     Q_OBJECT
@@ -52,6 +52,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    static void leaveOutButtonIcon(QObject* object);
     void apply();
     void applyQuietly();
     void showReported(SystemLook::Preference preference);

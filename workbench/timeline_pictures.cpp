@@ -1,5 +1,6 @@
 #include "timeline_pictures.h"
 
+#include "file_dialogs.h"
 #include "file_session.h"
 #include "main_window.h"
 
@@ -12,7 +13,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
@@ -47,6 +47,12 @@ QVector<int> tracksOfSelection(const MainWindow& window)
     return QVector<int>(ids.begin(), ids.end());
 }
 
+void sayThereIsNoPicture(MainWindow& window, const QString& reason)
+{
+    openMessage(&window, {"noPicture", MainWindow::tr("The picture could not be made."), reason, QMessageBox::Warning},
+                QMessageBox::Ok, QMessageBox::Ok);
+}
+
 // Lets it paint, and be cancelled, while the window stays as it is. Deletes it at its end.
 void runWithProgress(MainWindow& window, PictureExport* picture, const QString& title)
 {
@@ -66,8 +72,7 @@ void runWithProgress(MainWindow& window, PictureExport* picture, const QString& 
         const std::optional<FileError> error = picture->error();
         picture->deleteLater();
         if (error && error->reason != writingCancelledReason())
-            QMessageBox::warning(&window, MainWindow::tr("No picture"),
-                                 error->file.isEmpty() ? error->reason : error->text());
+            sayThereIsNoPicture(window, error->file.isEmpty() ? error->reason : error->text());
     });
     picture->start();
 }
@@ -83,15 +88,6 @@ PictureOptions printOptions(const MainWindow& window, const QPrinter& printer)
         options.pages.lastPage = printer.toPage();
     }
     return options;
-}
-
-bool mayReplace(MainWindow& window, const QString& fileName)
-{
-    return !QFileInfo::exists(fileName) ||
-           QMessageBox::question(
-               &window, MainWindow::tr("Replace?"),
-               MainWindow::tr("“%1” is there already. Replace it?").arg(QDir::toNativeSeparators(fileName))) ==
-               QMessageBox::Yes;
 }
 
 } // namespace
@@ -122,9 +118,8 @@ void exportPicture(MainWindow& window)
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setObjectName(QStringLiteral("pictureExportDialog"));
     QObject::connect(dialog, &QDialog::accepted, &window, [&window, dialog] {
-        if (mayReplace(window, dialog->fileName()))
-            runWithProgress(window, new PictureExport(*window.model(), dialog->fileName(), dialog->options(), &window),
-                            MainWindow::tr("Writing the picture…"));
+        runWithProgress(window, new PictureExport(*window.model(), dialog->fileName(), dialog->options(), &window),
+                        MainWindow::tr("Writing the picture…"));
     });
     dialog->open();
 }
@@ -178,7 +173,7 @@ void previewPrint(MainWindow& window)
     QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, &window, [&window](QPrinter* target) {
         const QString reason = paintPages(window, *target);
         if (!reason.isEmpty())
-            QMessageBox::warning(&window, MainWindow::tr("No picture"), reason);
+            sayThereIsNoPicture(window, reason);
     });
     QObject::connect(dialog, &QObject::destroyed, [printer] {});
     dialog->open();

@@ -1,12 +1,13 @@
 #include "warnings_button.h"
 
+#include "icons.h"
+
 #include <QClipboard>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QGuiApplication>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace Workbench {
@@ -15,7 +16,7 @@ WarningsButton::WarningsButton(QWidget* parent) : QToolButton(parent)
 {
     setObjectName(QStringLiteral("warningsButton"));
     setAutoRaise(true);
-    setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+    setIcon(Workbench::icon(QStringLiteral("warning")));
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setToolTip(tr("Show what was skipped or adapted"));
     connect(this, &QToolButton::clicked, this, &WarningsButton::showDialog);
