@@ -52,6 +52,8 @@ AttributeTable::AttributeTable(Edits edits, QWidget* parent)
     : QWidget(parent),
       m_edits(std::move(edits)),
       m_table(new QTableWidget(0, ColumnCount, this)),
+      m_delegate(new AttributeDelegate(
+          [this](int row, int column, const QString& text) { commitCell(row, column, text); }, m_table)),
       m_remove(new QPushButton(tr("Remove"), this)),
       m_error(new QLabel(this))
 {
@@ -64,8 +66,7 @@ AttributeTable::AttributeTable(Edits edits, QWidget* parent)
     m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                              QAbstractItemView::AnyKeyPressed | QAbstractItemView::SelectedClicked);
     m_table->setTabKeyNavigation(false);
-    m_table->setItemDelegate(new AttributeDelegate(
-        [this](int row, int column, const QString& text) { commitCell(row, column, text); }, m_table));
+    m_table->setItemDelegate(m_delegate);
     auto* const add = new QPushButton(tr("Add"), this);
     add->setObjectName(QStringLiteral("addAttribute"));
     m_remove->setObjectName(QStringLiteral("removeAttribute"));
@@ -160,6 +161,15 @@ QString AttributeTable::renameTo(const QString& name, const QString& newName)
     if (m_values.contains(newName))
         return tr("There is an attribute “%1” already.").arg(newName);
     return name.isEmpty() ? m_edits.set(newName, QString()) : m_edits.rename(name, newName);
+}
+
+void AttributeTable::leave()
+{
+    for (auto* const editor : m_table->viewport()->findChildren<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly)) {
+        Q_EMIT m_delegate->commitData(editor);
+        Q_EMIT m_delegate->closeEditor(editor);
+    }
+    m_error->hide();
 }
 
 void AttributeTable::addAttribute()

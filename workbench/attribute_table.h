@@ -7,6 +7,7 @@
 #include <functional>
 
 class QLabel;
+class QAbstractItemDelegate;
 class QPushButton;
 class QTableWidget;
 
@@ -32,6 +33,8 @@ public:
     void showValues(const Values& values);
     /// Also forgets a new attribute that has no name yet, and what was refused.
     void showOther(const Values& values);
+    /// Takes what is being typed, and drops it when it is refused.
+    void leave();
     QTableWidget* table() const { return m_table; }
     QString error() const;
 
@@ -47,6 +50,7 @@ private:
     Edits m_edits;
     Values m_values;
     QTableWidget* m_table;
+    QAbstractItemDelegate* m_delegate;
     QPushButton* m_remove;
     QLabel* m_error;
     bool m_hasNewRow = false;

@@ -82,6 +82,11 @@ void Autosave::saving()
     m_savingRevision = m_journal.revision();
 }
 
+void Autosave::unmodified()
+{
+    m_journal.markSaved(m_journal.revision());
+}
+
 void Autosave::documentSaved(const QString& fileName)
 {
     if (!fileName.isEmpty())

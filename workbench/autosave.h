@@ -48,6 +48,8 @@ public Q_SLOTS:
     void startFor(std::shared_ptr<const VeskTimeline::Kit::Document> base, const QStringList& fileNames);
     /// The document is about to be written to a file as it is now.
     void saving();
+    /// The document is again as it is in its files, as when all has been undone: there is nothing to recover.
+    void unmodified();
     /// It is in the file now, as it was at saving(), or else as it is.
     /// @param fileName the file that the document belongs to from now on; empty: the same as before
     void documentSaved(const QString& fileName = {});

@@ -4,6 +4,7 @@
 #include "color_menu.h"
 #include "duration_text.h"
 #include "edit_field.h"
+#include "track_box.h"
 
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimeline/timeline_view_drag_handler.h>
@@ -11,7 +12,6 @@
 #include <VeskTimelineKit/time_text.h>
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QEvent>
 #include <QLabel>
 #include <QTimer>
@@ -108,6 +108,7 @@ void Inspector::leaveFields()
         field->leave();
         field->clearError();
     }
+    m_attributes->leave();
 }
 
 void Inspector::refresh()

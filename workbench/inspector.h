@@ -6,7 +6,6 @@
 #include <QWidget>
 
 class QCheckBox;
-class QComboBox;
 class QFormLayout;
 class QLabel;
 class QTimer;
@@ -26,6 +25,7 @@ namespace Workbench {
 class AttributeTable;
 class ColorMenu;
 class EditField;
+class TrackBox;
 
 /// Shows what the selected items say, and changes it: each edit is one step of the model's undo stack, for however many
 /// items. Where the items differ a field says so; what is then entered holds for all of them.
@@ -97,7 +97,7 @@ private:
     EditField* m_description = nullptr;
     QToolButton* m_color = nullptr;
     ColorMenu* m_colorMenu = nullptr;
-    QComboBox* m_track = nullptr;
+    TrackBox* m_track = nullptr;
     QCheckBox* m_locked = nullptr;
     AttributeTable* m_attributes = nullptr;
 };

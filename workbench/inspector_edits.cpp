@@ -3,12 +3,12 @@
 #include "duration_text.h"
 #include "edit_field.h"
 #include "inspector.h"
+#include "track_box.h"
 
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QScrollArea>
@@ -68,11 +68,11 @@ void Inspector::createFields()
                                [this](const QString& text) { return setDuration(text); });
     m_description = new EditField(QStringLiteral("description"), EditField::SeveralLines, setDescription);
     createColorButton();
-    m_track = new QComboBox;
+    m_track = new TrackBox;
     m_track->setObjectName(QStringLiteral("track"));
     m_track->setPlaceholderText(tr("(mixed)"));
     m_track->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    connect(m_track, &QComboBox::activated, this, &Inspector::setTrack);
+    connect(m_track, &TrackBox::activated, this, &Inspector::setTrack);
     m_locked = new QCheckBox(tr("L&ocked"));
     m_locked->setObjectName(QStringLiteral("locked"));
     m_locked->setToolTip(tr("The mouse does not move or resize locked items"));

@@ -38,9 +38,7 @@ private:
 } // namespace
 
 ItemCommands::ItemCommands(StandardTimelineModel* model, TimelineView* view, QObject* parent)
-    : QObject(parent),
-      m_model(model),
-      m_view(view),
+    : ViewCommands(model, view, parent),
       m_formerSelectHandler(view->selectHandler()),
       m_formerTrackHandler(view->trackHandler()),
       m_tracks(new TrackCommands(model, view, this)),
@@ -68,23 +66,10 @@ ItemCommands::ItemCommands(StandardTimelineModel* model, TimelineView* view, QOb
 
 ItemCommands::~ItemCommands()
 {
-    if (!m_view)
+    if (!view())
         return;
-    m_view->setSelectHandler(m_formerSelectHandler);
-    m_view->setTrackHandler(m_formerTrackHandler);
-}
-
-QAction* ItemCommands::addAction(const char* name, const QString& text, const QKeySequence& shortcut,
-                                 void (ItemCommands::*slot)())
-{
-    auto* const action = new QAction(text, this);
-    action->setObjectName(QString::fromLatin1(name));
-    action->setShortcut(shortcut);
-    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    m_view->addAction(action);
-    if (slot)
-        connect(action, &QAction::triggered, this, slot);
-    return action;
+    view()->setSelectHandler(m_formerSelectHandler);
+    view()->setTrackHandler(m_formerTrackHandler);
 }
 
 void ItemCommands::createActions()
@@ -93,13 +78,13 @@ void ItemCommands::createActions()
     m_copy = addAction("copy", tr("&Copy"), QKeySequence::Copy, &ItemCommands::copy);
     m_paste = addAction("paste", tr("&Paste"), QKeySequence::Paste, &ItemCommands::paste);
     m_delete = addAction("delete", tr("&Delete"), QKeySequence::Delete, &ItemCommands::removeSelected);
-    m_selectAll = addAction("select_all", tr("Select &all"), QKeySequence::SelectAll, nullptr);
+    m_selectAll = addAction("select_all", tr("Select &all"), QKeySequence::SelectAll);
     connect(m_selectAll, &QAction::triggered, this, [this] { pressKey(Qt::Key_A); });
     m_duplicate = addAction("duplicate", tr("D&uplicate"), tr("Ctrl+D"), &ItemCommands::duplicate);
     m_addItem = addAction("add_item", tr("&Add item"), tr("Ins"), &ItemCommands::addItem);
-    m_lock = addAction("lock", tr("&Lock"), tr("Ctrl+L"), nullptr);
+    m_lock = addAction("lock", tr("&Lock"), tr("Ctrl+L"));
     connect(m_lock, &QAction::triggered, this, [this] { setLocked(true); });
-    m_unlock = addAction("unlock", tr("U&nlock"), tr("Ctrl+Shift+L"), nullptr);
+    m_unlock = addAction("unlock", tr("U&nlock"), tr("Ctrl+Shift+L"));
     connect(m_unlock, &QAction::triggered, this, [this] { setLocked(false); });
 }
 
@@ -122,32 +107,19 @@ void ItemCommands::addItemActions(QMenu* menu)
 
 void ItemCommands::updateActions()
 {
-    const bool hasItems = m_view && m_view->hasSelectedItems();
+    const bool hasItems = view() && view()->hasSelectedItems();
     for (QAction* const action : {m_cut, m_copy, m_delete, m_duplicate, m_lock, m_unlock, m_colorMenu->menuAction()})
         action->setEnabled(hasItems);
-    m_paste->setEnabled(!m_model->isClipboardEmpty());
+    m_paste->setEnabled(!model()->isClipboardEmpty());
 }
 
 // The view's own keys do the work, so that entry and key cannot differ.
 void ItemCommands::pressKey(int key)
 {
     QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier);
-    m_model->finishGesture();
-    m_view->selectHandler()->keyPressEvent(&press);
-    m_view->viewport()->update();
-    updateActions();
-}
-
-template <typename Body>
-void ItemCommands::attempt(const Body& body)
-{
-    m_model->finishGesture();
-    try {
-        body();
-    } catch (const QString& reason) {
-        Q_EMIT refused(reason);
-    }
-    m_view->viewport()->update();
+    model()->finishGesture();
+    view()->selectHandler()->keyPressEvent(&press);
+    view()->viewport()->update();
     updateActions();
 }
 
@@ -164,57 +136,57 @@ void ItemCommands::copy()
 void ItemCommands::paste()
 {
     QVector<int> pasted;
-    const auto connection = connect(m_model, &StandardTimelineModel::itemsAdded, this,
+    const auto connection = connect(model(), &StandardTimelineModel::itemsAdded, this,
                                     [&pasted](const QVector<int>& ids) { pasted += ids; });
     pressKey(Qt::Key_V);
     disconnect(connection);
     if (!pasted.isEmpty())
-        m_view->selectItems(pasted, true);
+        view()->selectItems(pasted, true);
 }
 
 void ItemCommands::removeSelected()
 {
-    const QList<int> ids = knownItems(*m_model, m_view->selectedItemIds());
-    m_view->clearSelectedItems();
+    const QList<int> ids = knownItems(*model(), view()->selectedItemIds());
+    view()->clearSelectedItems();
     if (!ids.isEmpty())
-        attempt([&] { m_model->removeItems(ids); });
+        attempt([&] { model()->removeItems(ids); });
 }
 
 void ItemCommands::duplicate()
 {
-    const SelectionSummary selected = summarise(*m_model, m_view->selectedItemIds());
+    const SelectionSummary selected = summarise(*model(), view()->selectedItemIds());
     if (selected.ids.isEmpty())
         return;
     std::map<int, std::vector<DocumentItem>> copies;
     std::optional<TimeSpan> span;
     for (const int id : selected.ids) {
-        DocumentItem copy = documentItemOf(*m_model, id);
+        DocumentItem copy = documentItemOf(*model(), id);
         span = span ? TimeSpan{std::min(span->start, copy.start), std::max(span->end, copy.end())}
                     : TimeSpan{copy.start, copy.end()};
-        copies[m_model->item(id)->parentTrackId()].push_back(std::move(copy));
+        copies[model()->item(id)->parentTrackId()].push_back(std::move(copy));
     }
     // Markers at one time would lie on their copies.
     const qint64 width = span->end - span->start;
-    const qint64 offset = width > 0 ? width : roundDuration(m_view->zoomFactor());
+    const qint64 offset = width > 0 ? width : roundDuration(view()->zoomFactor());
     QVector<int> added;
     const auto count = static_cast<int>(selected.ids.size());
     attempt([&] {
-        const Macro step(m_model->undoStack(), count == 1 ? tr("Duplicate item") : tr("Duplicate %1 items").arg(count));
+        const Macro step(model()->undoStack(), count == 1 ? tr("Duplicate item") : tr("Duplicate %1 items").arg(count));
         for (auto& [trackId, items] : copies) {
             for (DocumentItem& item : items)
                 item.start += offset;
-            added += m_model->addItems(trackId, items);
+            added += model()->addItems(trackId, items);
         }
     });
-    m_view->selectItems(added, true);
+    view()->selectItems(added, true);
 }
 
 int ItemCommands::addItemAt(int trackId, qint64 time)
 {
     int id = -1;
     attempt([&] {
-        const TimeSpan place = placeForItem(*m_model, *m_model->track(trackId), time, m_view->zoomFactor());
-        id = m_model->addItem(trackId, {tr("New item"), place.start, place.end - place.start, {}});
+        const TimeSpan place = placeForItem(*model(), *model()->track(trackId), time, view()->zoomFactor());
+        id = model()->addItem(trackId, {tr("New item"), place.start, place.end - place.start, {}});
     });
     if (id != -1)
         activateItem(id);
@@ -223,45 +195,45 @@ int ItemCommands::addItemAt(int trackId, qint64 time)
 
 void ItemCommands::addItem()
 {
-    const qint64 left = m_view->currentTime();
-    qint64 time = left + m_view->zoomFactor() / 2;
-    const TimelineHeaderView* const header = m_view->header();
+    const qint64 left = view()->currentTime();
+    qint64 time = left + view()->zoomFactor() / 2;
+    const TimelineHeaderView* const header = view()->header();
     if (header && header->isIndicatorVisible() && header->indicatorTime() >= left &&
-        header->indicatorTime() <= left + m_view->zoomFactor())
+        header->indicatorTime() <= left + view()->zoomFactor())
         time = header->indicatorTime();
     const int trackId = m_tracks->current();
     if (trackId != 0) {
         addItemAt(trackId, time);
         return;
     }
-    const Macro step(m_model->undoStack(), tr("Add item"));
-    addItemAt(m_model->addTrack(tr("New track")), time);
+    const Macro step(model()->undoStack(), tr("Add item"));
+    addItemAt(model()->addTrack(tr("New track")), time);
 }
 
 void ItemCommands::activateItem(int itemId)
 {
-    m_view->selectItem(itemId, true);
+    view()->selectItem(itemId, true);
     Q_EMIT labelEditRequested(itemId);
 }
 
 void ItemCommands::setLocked(bool isLocked)
 {
-    attempt([&] { m_model->setItemsLocked(knownItems(*m_model, m_view->selectedItemIds()), isLocked); });
+    attempt([&] { model()->setItemsLocked(knownItems(*model(), view()->selectedItemIds()), isLocked); });
 }
 
 void ItemCommands::setColor(const QColor& color)
 {
-    attempt([&] { m_model->setItemsColor(knownItems(*m_model, m_view->selectedItemIds()), color); });
+    attempt([&] { model()->setItemsColor(knownItems(*model(), view()->selectedItemIds()), color); });
 }
 
 void ItemCommands::showContextMenu(const QPoint& pos)
 {
     if (m_contextMenu)
         return;
-    const QModelIndex index = m_view->indexAt(pos);
+    const QModelIndex index = view()->indexAt(pos);
     const int trackId = index.siblingAtColumn(1).data(Qt::DisplayRole).toInt();
     m_tracks->setCurrent(trackId);
-    auto* const menu = new QMenu(m_view);
+    auto* const menu = new QMenu(view());
     menu->setObjectName(QStringLiteral("contextMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     m_contextMenu = menu;
@@ -269,14 +241,14 @@ void ItemCommands::showContextMenu(const QPoint& pos)
         m_tracks->addActions(menu);
     } else {
         try {
-            const int itemId = m_model->track(trackId)->itemAt(m_view->toTime(pos.x()))->id();
-            if (!m_view->isItemSelected(itemId))
-                m_view->selectItem(itemId, true);
+            const int itemId = model()->track(trackId)->itemAt(view()->toTime(pos.x()))->id();
+            if (!view()->isItemSelected(itemId))
+                view()->selectItem(itemId, true);
         } catch (const QString&) {
             // An empty place: the selection stays.
         }
         if (index.isValid()) {
-            const qint64 time = m_view->toTime(pos.x());
+            const qint64 time = view()->toTime(pos.x());
             QAction* const add = menu->addAction(tr("&Add item here"));
             add->setObjectName(QStringLiteral("add_item_here"));
             connect(add, &QAction::triggered, this, [this, trackId, time] { addItemAt(trackId, time); });
@@ -289,17 +261,17 @@ void ItemCommands::showContextMenu(const QPoint& pos)
         m_tracks->addActions(menu->addMenu(tr("T&rack")));
     }
     updateActions();
-    menu->popup(m_view->viewport()->mapToGlobal(pos));
+    menu->popup(view()->viewport()->mapToGlobal(pos));
 }
 
 QPoint ItemCommands::keyboardMenuPos() const
 {
-    const QRect area = m_view->viewport()->rect();
-    if (!m_view->hasSelectedItems())
+    const QRect area = view()->viewport()->rect();
+    if (!view()->hasSelectedItems())
         return area.center();
-    const Item& item = *m_model->item(m_view->selectedItemIds().constFirst());
-    const QRect row = m_view->visualRect(m_view->indexOfTrackRow(item.parentTrackId(), 1));
-    const QPoint pos(m_view->toPixel(item.startTime()) + 1, row.center().y());
+    const Item& item = *model()->item(view()->selectedItemIds().constFirst());
+    const QRect row = view()->visualRect(view()->indexOfTrackRow(item.parentTrackId(), 1));
+    const QPoint pos(view()->toPixel(item.startTime()) + 1, row.center().y());
     return area.contains(pos) ? pos : area.center();
 }
 

@@ -1,22 +1,13 @@
 #pragma once
 
 #include "row_handlers.h"
+#include "view_commands.h"
 
-#include <QObject>
 #include <QPointer>
 
 #include <memory>
 
-class QAction;
 class QMenu;
-class QWidget;
-
-namespace VeskTimeline {
-class TimelineView;
-namespace Kit {
-class StandardTimelineModel;
-} // namespace Kit
-} // namespace VeskTimeline
 
 namespace Workbench {
 
@@ -26,9 +17,8 @@ class TrackCommands;
 /// The commands on items, for menus, and what the mouse asks for in the rows: double clicks on an empty place add an
 /// item, and a right press shows the commands that belong there.
 ///
-/// Shortcuts hold while the view, or what is in it, has the keyboard, so that text fields elsewhere keep theirs. They
-/// do what the view's keys do. Each command is one step of the model's undo stack.
-class ItemCommands : public QObject
+/// Shortcuts do what the view's keys do. Each command is one step of the model's undo stack.
+class ItemCommands : public ViewCommands
 {
     Q_OBJECT
 
@@ -60,15 +50,12 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Whoever shows labels for editing should let the user type this one's.
     void labelEditRequested(int itemId);
-    /// Why a command has not been carried out.
-    void refused(const QString& reason);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void afterAttempt() override { updateActions(); }
 
 private:
-    QAction* addAction(const char* name, const QString& text, const QKeySequence& shortcut,
-                       void (ItemCommands::*slot)());
     void createActions();
     void pressKey(int key);
     void setLocked(bool isLocked);
@@ -76,11 +63,7 @@ private:
     void updateActions();
     void activateItem(int itemId);
     QPoint keyboardMenuPos() const;
-    template <typename Body>
-    void attempt(const Body& body);
 
-    VeskTimeline::Kit::StandardTimelineModel* m_model;
-    QPointer<VeskTimeline::TimelineView> m_view;
     RowRequests m_requests;
     std::unique_ptr<RowSelectHandler> m_selectHandler;
     std::unique_ptr<RowTrackHandler> m_trackHandler;

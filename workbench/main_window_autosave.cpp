@@ -1,11 +1,11 @@
 #include "autosave.h"
+#include "file_dialogs.h"
 #include "file_session.h"
 #include "main_window.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QMenu>
-#include <QMessageBox>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -20,6 +20,10 @@ void MainWindow::startAutosave(const QString& folder)
     connect(m_session, &FileSession::documentLoaded, m_autosave.get(), &Autosave::startFor);
     connect(m_session, &FileSession::savingStarted, m_autosave.get(), &Autosave::saving);
     connect(m_session, &FileSession::documentSaved, m_autosave.get(), &Autosave::documentSaved);
+    connect(m_session, &FileSession::stateChanged, m_autosave.get(), [this] {
+        if (!m_session->isModified())
+            m_autosave->unmodified();
+    });
     // What there is may have changes that the user would miss; at the start there are none.
     connect(m_autosave.get(), &Autosave::documentRecovered, this, [this](const Autosave::Recovered& recovered) {
         m_session->whenDisposable([this, recovered] { showRecovered(recovered); });
@@ -48,12 +52,11 @@ QAction* MainWindow::addRecoverAction(QMenu* menu)
         m_autosave->offerOrphans(this);
         if (m_autosave->dialog())
             return;
-        auto* const message = new QMessageBox(QMessageBox::Information, tr("Recover"),
-                                              tr("There is nothing to recover."), QMessageBox::Ok, this);
-        message->setObjectName(QStringLiteral("nothingToRecover"));
-        message->setInformativeText(tr("Changes of programs that ended before they were saved would be offered here."));
-        message->setAttribute(Qt::WA_DeleteOnClose);
-        message->open();
+        openMessage(this,
+                    {"nothingToRecover", tr("There is nothing to recover."),
+                     tr("Changes of programs that ended before they were saved would be offered here."),
+                     QMessageBox::Information},
+                    QMessageBox::Ok, QMessageBox::Ok);
     });
     return action;
 }
@@ -65,12 +68,10 @@ void MainWindow::showRecovered(const Autosave::Recovered& recovered)
     m_session->setUnsaved();
     if (recovered->problems.isEmpty())
         return;
-    auto* const message = new QMessageBox(QMessageBox::Warning, tr("Recovered in Part"),
-                                          tr("Not everything could be recovered."), QMessageBox::Ok, this);
-    message->setObjectName(QStringLiteral("recoveredInPart"));
-    message->setInformativeText(recovered->problems.join(u'\n').toHtmlEscaped());
-    message->setAttribute(Qt::WA_DeleteOnClose);
-    message->open();
+    openMessage(this,
+                {"recoveredInPart", tr("Not everything could be recovered."), recovered->problems.join(u'\n'),
+                 QMessageBox::Warning},
+                QMessageBox::Ok, QMessageBox::Ok);
 }
 
 } // namespace Workbench

@@ -54,6 +54,7 @@ void MainWindow::createInspector()
     toggle->setIcon(icon(QStringLiteral("inspector")));
     toggle->setShortcut(tr("Ctrl+I"));
     connect(m_session, &FileSession::contentsNeeded, inspector, &Inspector::commitPending);
+    connect(m_session, &FileSession::contentsNeeded, m_itemCommands->tracks(), &TrackCommands::commitPending);
     connect(m_itemCommands, &ItemCommands::labelEditRequested, inspector, [dock, inspector] {
         dock->show();
         dock->raise();

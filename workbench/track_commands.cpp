@@ -31,9 +31,7 @@ QString newName(const Track& parent)
 } // namespace
 
 TrackCommands::TrackCommands(StandardTimelineModel* model, TimelineView* view, QObject* parent)
-    : QObject(parent),
-      m_model(model),
-      m_view(view),
+    : ViewCommands(model, view, parent),
       m_colorMenu(new ColorMenu(tr("&Colour of track"), tr("&Default"), view)),
       m_title(new QAction(this)),
       m_add(addAction("add_track", tr("&Add track"), tr("Ctrl+T"), &TrackCommands::addTrack)),
@@ -49,18 +47,6 @@ TrackCommands::TrackCommands(StandardTimelineModel* model, TimelineView* view, Q
     m_title->setObjectName(QStringLiteral("track_title"));
     m_title->setEnabled(false);
     connect(m_colorMenu, &ColorMenu::colorChosen, this, &TrackCommands::setColor);
-}
-
-QAction* TrackCommands::addAction(const char* name, const QString& text, const QKeySequence& shortcut,
-                                  void (TrackCommands::*slot)())
-{
-    auto* const action = new QAction(text, this);
-    action->setObjectName(QString::fromLatin1(name));
-    action->setShortcut(shortcut);
-    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    m_view->addAction(action);
-    connect(action, &QAction::triggered, this, slot);
-    return action;
 }
 
 void TrackCommands::addActions(QMenu* menu)
@@ -83,18 +69,18 @@ void TrackCommands::addActions(QMenu* menu)
 
 int TrackCommands::current() const
 {
-    const auto* const model = std::as_const(m_model);
-    if (m_current != 0 && model->rootTrack()->hasTrack(m_current, true))
+    const StandardTimelineModel* const document = model();
+    if (m_current != 0 && document->rootTrack()->hasTrack(m_current, true))
         return m_current;
-    const QList<int>& selected = m_view->selectedItemIds();
+    const QList<int>& selected = view()->selectedItemIds();
     if (!selected.isEmpty()) {
         try {
-            return model->item(selected.first())->parentTrackId();
+            return document->item(selected.first())->parentTrackId();
         } catch (const QString&) {
             // It has gone, and the selection follows soon.
         }
     }
-    return model->rootTrack()->hasTracks() ? model->rootTrack()->trackAt(0)->id() : 0;
+    return document->rootTrack()->hasTracks() ? document->rootTrack()->trackAt(0)->id() : 0;
 }
 
 void TrackCommands::setCurrent(int trackId)
@@ -106,8 +92,8 @@ void TrackCommands::setCurrent(int trackId)
 
 TrackCommands::Place TrackCommands::placeOf(int trackId) const
 {
-    const Track* const track = m_model->track(trackId);
-    const Track* const parent = m_model->track(track->parentId());
+    const Track* const track = model()->track(trackId);
+    const Track* const parent = model()->track(track->parentId());
     return {parent->id(), parent->rowOfTrack(trackId), parent->trackCount()};
 }
 
@@ -116,35 +102,23 @@ void TrackCommands::updateActions()
     const int trackId = current();
     const Place place = trackId == 0 ? Place() : placeOf(trackId);
     constexpr int room = 300;
-    const QString name = trackId == 0 ? QString() : m_model->track(trackId)->text().simplified();
+    const QString name = trackId == 0 ? QString() : model()->track(trackId)->text().simplified();
     m_title->setText(trackId == 0 ? tr("No track")
-                                  : tr("Track “%1”").arg(m_view->fontMetrics().elidedText(name, Qt::ElideRight, room)));
+                                  : tr("Track “%1”").arg(view()->fontMetrics().elidedText(name, Qt::ElideRight, room)));
     for (QAction* const action : {m_addInside, m_rename, m_remove, m_colorMenu->menuAction()})
         action->setEnabled(trackId != 0);
     m_up->setEnabled(trackId != 0 && place.row > 0);
     m_down->setEnabled(trackId != 0 && place.row + 1 < place.siblings);
     m_in->setEnabled(trackId != 0 && place.row > 0);
     m_out->setEnabled(trackId != 0 && place.parentId != 0);
-    m_colorMenu->setCurrent(trackId == 0 ? QColor() : m_model->colorOfTrack(trackId));
-}
-
-template <typename Body>
-void TrackCommands::attempt(const Body& body)
-{
-    m_model->finishGesture();
-    try {
-        body();
-    } catch (const QString& reason) {
-        Q_EMIT refused(reason);
-    }
-    m_view->viewport()->update();
+    m_colorMenu->setCurrent(trackId == 0 ? QColor() : model()->colorOfTrack(trackId));
 }
 
 void TrackCommands::insert(int parentId, int row)
 {
     attempt([&] {
-        m_current = m_model->insertTrack(parentId, row, newName(*m_model->track(parentId)));
-        m_view->expand(m_view->indexOfTrackRow(parentId, 0));
+        m_current = model()->insertTrack(parentId, row, newName(*model()->track(parentId)));
+        view()->expand(view()->indexOfTrackRow(parentId, 0));
         rename(m_current);
     });
 }
@@ -169,25 +143,31 @@ void TrackCommands::renameCurrent()
 
 void TrackCommands::rename(int trackId)
 {
-    if (!m_model->isEditable())
+    if (!model()->isEditable())
         return;
-    const QModelIndex index = m_view->indexOfTrackRow(trackId, 0);
+    const QModelIndex index = view()->indexOfTrackRow(trackId, 0);
     if (!index.isValid())
         return;
     // Rows above it may be closed.
     for (QModelIndex above = index.parent(); above.isValid(); above = above.parent())
-        m_view->expand(above);
-    m_view->scrollTo(index);
-    auto* const editor = new TrackNameEditor(m_view, trackId, m_model->track(trackId)->text());
-    connect(editor, &TrackNameEditor::named, this,
-            [this, trackId](const QString& name) { attempt([&] { m_model->renameTrack(trackId, name); }); });
+        view()->expand(above);
+    view()->scrollTo(index);
+    m_nameEditor = new TrackNameEditor(view(), trackId, model()->track(trackId)->text());
+    connect(m_nameEditor, &TrackNameEditor::named, this,
+            [this, trackId](const QString& name) { attempt([&] { model()->renameTrack(trackId, name); }); });
+}
+
+void TrackCommands::commitPending()
+{
+    if (m_nameEditor)
+        m_nameEditor->commit();
 }
 
 void TrackCommands::setColor(const QColor& color)
 {
     const int trackId = current();
     if (trackId != 0)
-        attempt([&] { m_model->setTrackColor(trackId, color); });
+        attempt([&] { model()->setTrackColor(trackId, color); });
 }
 
 void TrackCommands::removeCurrent()
@@ -196,7 +176,7 @@ void TrackCommands::removeCurrent()
     const int trackId = current();
     if (trackId == 0)
         return;
-    const Track& track = *m_model->track(trackId);
+    const Track& track = *model()->track(trackId);
     const auto items = track.itemIds(true, false).size();
     const QString question =
         items == 0 ? tr("Do you really want to remove the track “%1”?").arg(track.text())
@@ -205,20 +185,20 @@ void TrackCommands::removeCurrent()
                          .arg(items);
     // Shows and destroys itself.
     auto* const dialog =
-        new VeskWidgets::VeskMessageDialogNew(m_view, QString(), question, VeskWidgets::Behaviour::Question,
+        new VeskWidgets::VeskMessageDialogNew(view(), QString(), question, VeskWidgets::Behaviour::Question,
                                               VeskWidgets::Buttons(Button::Yes) | Button::No, {}, true);
     dialog->setTextFormat(Qt::PlainText);
     connect(dialog, &VeskWidgets::VeskMessageDialogNew::yes, this,
-            [this, trackId] { attempt([&] { m_model->removeTrack(trackId); }); });
+            [this, trackId] { attempt([&] { model()->removeTrack(trackId); }); });
 }
 
 void TrackCommands::moveTo(int trackId, int parentId, int row)
 {
     attempt([&] {
-        m_model->moveTrack(trackId, parentId, row);
+        model()->moveTrack(trackId, parentId, row);
         m_current = trackId;
-        m_view->expand(m_view->indexOfTrackRow(parentId, 0));
-        m_view->scrollTo(m_view->indexOfTrackRow(trackId, 0));
+        view()->expand(view()->indexOfTrackRow(parentId, 0));
+        view()->scrollTo(view()->indexOfTrackRow(trackId, 0));
     });
 }
 
@@ -243,7 +223,7 @@ void TrackCommands::moveIn()
     const int trackId = current();
     const Place place = trackId == 0 ? Place() : placeOf(trackId);
     if (place.row > 0)
-        moveTo(trackId, m_model->track(place.parentId)->trackAt(place.row - 1)->id(), -1);
+        moveTo(trackId, model()->track(place.parentId)->trackAt(place.row - 1)->id(), -1);
 }
 
 void TrackCommands::moveOut()

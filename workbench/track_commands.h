@@ -1,25 +1,19 @@
 #pragma once
 
-#include <QObject>
+#include "view_commands.h"
+
 #include <QPointer>
 
-class QAction;
 class QMenu;
-
-namespace VeskTimeline {
-class TimelineView;
-namespace Kit {
-class StandardTimelineModel;
-} // namespace Kit
-} // namespace VeskTimeline
 
 namespace Workbench {
 
 class ColorMenu;
+class TrackNameEditor;
 
 /// The commands on the current track: the one last pressed, otherwise that of the first selected item, otherwise the
 /// first one. Each is one step of the model's undo stack.
-class TrackCommands : public QObject
+class TrackCommands : public ViewCommands
 {
     Q_OBJECT
 
@@ -36,6 +30,8 @@ public:
     void setCurrent(int trackId);
     /// Lets the user type the name in place.
     void rename(int trackId);
+    /// Takes the name that is being typed; for before the document is saved or left.
+    void commitPending();
 
 public Q_SLOTS:
     /// Below the current track, beside it; its name is then typed in place.
@@ -51,9 +47,6 @@ public Q_SLOTS:
     /// Out of its parent, below it.
     void moveOut();
 
-Q_SIGNALS:
-    void refused(const QString& reason);
-
 private:
     struct Place
     {
@@ -62,18 +55,13 @@ private:
         int siblings = 0;
     };
     Place placeOf(int trackId) const;
-    QAction* addAction(const char* name, const QString& text, const QKeySequence& shortcut,
-                       void (TrackCommands::*slot)());
     void insert(int parentId, int row);
     void moveTo(int trackId, int parentId, int row);
     void setColor(const QColor& color);
     void updateActions();
-    template <typename Body>
-    void attempt(const Body& body);
 
-    VeskTimeline::Kit::StandardTimelineModel* m_model;
-    VeskTimeline::TimelineView* m_view;
     ColorMenu* m_colorMenu;
+    QPointer<TrackNameEditor> m_nameEditor;
     int m_current = 0;
     QAction* m_title;
     QAction* m_add;

@@ -18,6 +18,9 @@ class TrackNameEditor : public QLineEdit
 public:
     TrackNameEditor(VeskTimeline::TimelineView* view, int trackId, const QString& name);
 
+    /// Takes what is typed, as leaving the line does.
+    void commit() { finish(true); }
+
 Q_SIGNALS:
     /// Only for another name, and not for an empty one.
     void named(const QString& name);
