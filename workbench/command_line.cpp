@@ -51,6 +51,9 @@ struct Options
     QCommandLineOption theme{QStringLiteral("theme"),
                              Tr::tr("Show the window in this look: system, light, dark; it is not remembered."),
                              QStringLiteral("LOOK")};
+    QCommandLineOption showRefusals{
+        QStringLiteral("show-refusals"),
+        Tr::tr("Say also in a dialog which files are refused and why, for starts without a terminal.")};
     PictureCommandOptions picture;
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, Tr::tr("Print this text and exit.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, Tr::tr("Print the version and exit.")};
@@ -58,7 +61,7 @@ struct Options
     void addTo(QCommandLineParser& parser) const
     {
         parser.setApplicationDescription(Tr::tr("Shows timelines."));
-        parser.addOptions({info, convert, screenshot, from, stretch, expand, theme});
+        parser.addOptions({info, convert, screenshot, from, stretch, expand, theme, showRefusals});
         parser.addOptions(csv.options());
         picture.addTo(parser);
         parser.addOptions({help, version});
@@ -189,6 +192,7 @@ CommandLine parseCommandLine(const QStringList& arguments)
 
     commandLine.action = actionOf(parser, options);
     commandLine.files = parser.positionalArguments();
+    commandLine.showsRefusals = parser.isSet(options.showRefusals) && commandLine.action == Action::ShowWindow;
     commandLine.output = parser.value(commandLine.action == Action::Convert ? options.convert : options.screenshot);
     if (const QString error = outputError(commandLine.action, commandLine.output); !error.isEmpty())
         return refusal(error);

@@ -35,6 +35,7 @@ struct CommandLine
     const VeskTimeline::Kit::DocumentFormat* from = nullptr; ///< read all files as this; null: each as what it is
     VeskTimeline::Kit::ReadOptions readOptions;
     std::optional<Theme::Scheme> theme; ///< nothing: as the user left it
+    bool showsRefusals = false;         ///< of ShowWindow, in a dialog
     PictureArguments picture;           ///< of Convert, when the output is a picture
     QString error;
 

@@ -1,6 +1,8 @@
 #include "commands.h"
 
 #include "command_line.h"
+#include "file_dialogs.h"
+#include "icons.h"
 #include "load_files.h"
 #include "main_window.h"
 #include "offscreen_silence.h"
@@ -100,6 +102,26 @@ bool hasDisplay()
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+// Without anybody in front of it a dialog would wait for ever.
+bool hasUser()
+{
+    const QString platform = qEnvironmentVariable("QT_QPA_PLATFORM").section(u':', 0, 0);
+    const bool isSeen = !QStringList{QStringLiteral("offscreen"), QStringLiteral("minimal")}.contains(platform);
+    return isSeen && hasDisplay();
+}
+
+void showRefusals(const QList<FileError>& refusals, const std::optional<Theme::Scheme>& look)
+{
+    prepareSettings();
+    registerIcons();
+    QApplication::setWindowIcon(icon(QStringLiteral("vesk_timeline_workbench")));
+    Theme theme;
+    theme.listenTo(new PortalLook);
+    theme.setScheme(look.value_or(Theme::System));
+    reportRefusals(nullptr, refusals);
+    QApplication::exec();
+}
+
 int runWithoutWindow(const CommandLine& commandLine, const Document& document)
 {
     using Action = CommandLine::Action;
@@ -156,12 +178,17 @@ int run(const CommandLine& commandLine, char* programName)
     // Before any window is thought of: a refusal needs no display.
     const ReadDocuments loaded = loadFiles(commandLine.files, commandLine.from, commandLine.readOptions);
     report(loaded.refusals);
-    if (!loaded.refusals.isEmpty())
-        return FileRefused;
-
     // Of the arguments Qt gets the first only: it would take file names like "-style" for options of its own.
     int count = 1;
     char* arguments[] = {programName, nullptr};
+    if (!loaded.refusals.isEmpty()) {
+        if (commandLine.showsRefusals && hasUser()) {
+            const QApplication application(count, arguments);
+            showRefusals(loaded.refusals, commandLine.theme);
+        }
+        return FileRefused;
+    }
+
     const bool isForUser = commandLine.action == CommandLine::Action::ShowWindow;
     if (!commandLine.needsWindow() || (isForUser && !hasDisplay())) {
         const QCoreApplication application(count, arguments);
