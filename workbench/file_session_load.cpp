@@ -172,6 +172,8 @@ void FileSession::replaceDocument(LoadedDocument& loaded)
     m_isUnsaved = false;
     m_watch.watch(m_stampsOfLoading);
     m_model->setDocument(std::move(loaded.prepared));
+    // A stack that is empty keeps the mark of changes that a recovered document had.
+    m_model->undoStack()->setClean();
     const ReadOptions options = m_files.empty() ? ReadOptions() : m_files.front().options;
     Q_EMIT documentLoaded(loaded.document, fileNames(), options);
     Q_EMIT stateChanged();

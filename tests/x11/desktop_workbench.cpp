@@ -107,7 +107,7 @@ QSet<QString>& chosenEntries()
 
 } // namespace
 
-DesktopWorkbench::DesktopWorkbench()
+DesktopWorkbench::DesktopWorkbench() : initially(QStringLiteral("A[first 0+5, second 20+5] B[third 40+5]"))
 {
     window.showDocument(smallDocument(), {});
     window.setGeometry(100, 100, 1400, 700);

@@ -21,6 +21,9 @@ struct DesktopWorkbench
     static constexpr qint64 origin = 1'600'000'200'000;
     static constexpr qint64 minute = 60'000;
 
+    /// contents() as they are at the start.
+    const QString initially;
+
     Workbench::MainWindow window;
 
     DesktopWorkbench();
@@ -105,4 +108,15 @@ Dialog* DesktopWorkbench::dialog() const
     do {                                                                                                               \
         const QString trouble = (workbench).choose(__VA_ARGS__);                                                       \
         QVERIFY2(trouble.isNull(), qPrintable(trouble));                                                               \
+    } while (false)
+
+/// Types the name of any colour into the dialog that is open, and takes it, or ends the test function.
+#define TYPE_COLOR(workbench, name)                                                                                    \
+    do {                                                                                                               \
+        QTRY_VERIFY((workbench).dialog<QColorDialog>());                                                               \
+        const QLineEdit* const field = (workbench).colorField();                                                       \
+        QVERIFY(field);                                                                                                \
+        PLAY((workbench).pointer.moveTo(field).click().key(QStringLiteral("ctrl+a")).type(QStringLiteral(name)));      \
+        PLAY((workbench).pointer.key(QStringLiteral("Return")));                                                       \
+        QTRY_VERIFY(!(workbench).dialog<QColorDialog>());                                                              \
     } while (false)

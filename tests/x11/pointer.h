@@ -7,11 +7,10 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTimer>
+#include <QWidget>
 
 #include <deque>
 #include <functional>
-
-class QWidget;
 
 /// The user's hand on the mouse and keyboard of an X server, so that tests get their input the whole way: from the
 /// server through the window manager and Qt's platform plugin to the widget.
@@ -30,6 +29,8 @@ public:
     /// @param pos in the widget's coordinates; mapped when the action is done, not when it is queued. The server
     /// reports no motion to where the mouse is already.
     Pointer& moveTo(const QWidget* widget, const QPoint& pos);
+    /// To the middle of the widget as it is now.
+    Pointer& moveTo(const QWidget* widget) { return moveTo(widget, widget->rect().center()); }
     /// Goes to the last corner of the screen, where there is no window.
     Pointer& moveAway();
     /// Never makes a double click of two actions: waits until the time for it is over.

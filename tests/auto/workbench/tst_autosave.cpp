@@ -153,6 +153,22 @@ private Q_SLOTS:
         QCOMPARE(filesIn(*m_folder), QStringList());
     }
 
+    void whatHasBeenUndoneIsNotOffered()
+    {
+        MainWindow window;
+        window.startAutosave(path());
+        const auto isOffered = [&window] {
+            const std::optional<JournalInfo> info = journalInfo(window.autosave()->journalName());
+            return info && !info->isSaved;
+        };
+        window.model()->addTrack("x");
+        QTRY_VERIFY(isOffered());
+        window.model()->undoStack()->undo();
+        QTRY_VERIFY(!isOffered());
+        window.model()->undoStack()->redo();
+        QTRY_VERIFY(isOffered());
+    }
+
     void aChangeWhileSavingIsOffered()
     {
         {

@@ -97,6 +97,14 @@ private Q_SLOTS:
         QCOMPARE(run({"--info", a, b}).output, "{\"end\":10,\"items\":5,\"start\":1,\"tracks\":9,\"warnings\":[]}\n");
     }
 
+    void withoutAUserNoDialogWaits()
+    {
+        const QString missing = m_dir->filePath("missing.csv");
+        const Run result = run({"--show-refusals", missing});
+        QCOMPARE(result.status, 1);
+        QCOMPARE(result.errors, missing + ": No such file or directory\n");
+    }
+
     void refusedFilesAreReportedOneLineEach()
     {
         const QString good = write("good.csv", "track,label,start,end\nA,x,5,6\n");

@@ -335,6 +335,113 @@ private Q_SLOTS:
         QTRY_COMPARE(contents(path("x.vtl.json")), vtlText(documentOf(2)));
     }
 
+    void theSuffixOfAnotherFormatGivesWayToTheNativeOne_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("none") << "a"
+                              << "a.vtl.json";
+        QTest::newRow("native") << "a.vtl.json"
+                                << "a.vtl.json";
+        QTest::newRow("native, capitals") << "a.VTL.JSON"
+                                          << "a.VTL.JSON";
+        QTest::newRow("trace") << "a.json"
+                               << "a.vtl.json";
+        QTest::newRow("packed trace") << "a.json.gz"
+                                      << "a.vtl.json";
+        QTest::newRow("table") << "a.csv"
+                               << "a.vtl.json";
+        QTest::newRow("calendar") << "a.ICS"
+                                  << "a.vtl.json";
+        QTest::newRow("unknown") << "a.2024"
+                                 << "a.2024.vtl.json";
+    }
+
+    void theSuffixOfAnotherFormatGivesWayToTheNativeOne()
+    {
+        QFETCH(const QString, typed);
+        QFETCH(const QString, written);
+        MainWindow window;
+        window.show();
+        window.showDocument(documentOf(2), {});
+        window.fileSession()->saveAs(path(typed));
+        QTRY_VERIFY(!window.fileSession()->isBusy());
+        QCOMPARE(m_dir->path(), QFileInfo(path(written)).path());
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList(written));
+        QCOMPARE(contents(path(written)), vtlText(documentOf(2)));
+        QCOMPARE(window.windowTitle(), written + "[*] – VeskTimeline Workbench");
+    }
+
+    void theTitleSaysWhetherAllTimesAreStretched()
+    {
+        const QString trace = write("t.json", R"([{"ph":"X","pid":1,"tid":1,"ts":5,"dur":7,"name":"x"}])");
+        const QString dated = csv("a.csv", "A,x,1,2\n");
+        const QString some = "[*] – VeskTimeline Workbench (times of traces stretched by 1000)";
+        const QString all = "[*] – VeskTimeline Workbench (times stretched by 1000)";
+        MainWindow window;
+        window.show();
+        window.fileSession()->open({trace, dated});
+        QTRY_COMPARE(window.windowTitle(), "t.json and 1 more" + some);
+        window.fileSession()->open({trace, trace});
+        QTRY_COMPARE(window.windowTitle(), "t.json and 1 more" + all);
+        window.fileSession()->open({dated});
+        QTRY_COMPARE(window.windowTitle(), "a.csv[*] – VeskTimeline Workbench");
+        window.fileSession()->add({trace});
+        QTRY_COMPARE(window.windowTitle(), "a.csv" + some);
+    }
+
+    void addingToATraceTellsInTheTitleWhatIsStretched()
+    {
+        const QString trace = write("t.json", R"([{"ph":"X","pid":1,"tid":1,"ts":5,"dur":7,"name":"x"}])");
+        MainWindow window;
+        window.show();
+        window.fileSession()->add({trace});
+        QTRY_COMPARE(window.windowTitle(), "[*]VeskTimeline Workbench (times stretched by 1000)");
+        window.fileSession()->add({trace});
+        QTRY_COMPARE(window.model()->itemCount(), 2);
+        QCOMPARE(window.windowTitle(), "[*]VeskTimeline Workbench (times stretched by 1000)");
+        window.fileSession()->add({csv("a.csv", "A,x,1,2\n")});
+        QTRY_COMPARE(window.windowTitle(), "[*]VeskTimeline Workbench (times of traces stretched by 1000)");
+    }
+
+    void reloadingFirstTakesTheTrackNameThatIsBeingTyped()
+    {
+        openNative();
+        typeTrackName("typed");
+        action(*m_window, "reload")->trigger();
+        QCOMPARE(topTracks(*m_window), QStringList("typed"));
+        PRESS(*m_window, "reloadChanges", Cancel);
+        QCOMPARE(topTracks(*m_window), QStringList("typed"));
+        QVERIFY(m_window->isWindowModified());
+        m_window->model()->undoStack()->undo();
+        QVERIFY(!m_window->isWindowModified());
+        QCOMPARE(topTracks(*m_window), QStringList("T"));
+    }
+
+    void whatIsBeingTypedCountsWhenOthersChangeTheFile()
+    {
+        openNative();
+        typeTrackName("typed");
+        write("n.vtl.json", vtlText(documentOf(5)));
+        QTRY_VERIFY(box(*m_window, "fileChanged"));
+        QCOMPARE(topTracks(*m_window), QStringList("typed"));
+        QCOMPARE(box(*m_window, "fileChanged")->informativeText(), "Reloading it loses what you have changed.");
+    }
+
+    void whatIsOpenedAfterARecoveredDocumentIsNotModified()
+    {
+        const QString file = csv("a.csv", "A,x,1,2\n");
+        MainWindow window;
+        window.show();
+        window.model()->undoStack()->resetClean();
+        QVERIFY(window.fileSession()->isModified());
+        window.fileSession()->open({file});
+        PRESS(window, "saveChanges", Discard);
+        QTRY_COMPARE(topTracks(window), QStringList("A"));
+        QVERIFY(!window.fileSession()->isModified());
+        QVERIFY(!window.isWindowModified());
+    }
+
     void exportingWritesAnotherFormatAndSaysWhatIsLost()
     {
         MainWindow window;
@@ -686,6 +793,15 @@ private:
         event.ignore();
         QApplication::sendEvent(&window, &event);
         return event.isAccepted();
+    }
+    // Leaves the editor open.
+    void typeTrackName(const QString& name)
+    {
+        action(*m_window, "rename_track")->trigger();
+        auto* const editor = m_window->findChild<QLineEdit*>("trackNameEditor");
+        QVERIFY(editor);
+        editor->selectAll();
+        QTest::keyClicks(editor, name);
     }
     // A window with n.vtl.json, which is returned.
     QString openNative(int count = 2)

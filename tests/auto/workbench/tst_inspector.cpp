@@ -6,6 +6,7 @@
 #include <VeskTimeline/timeline_view_drag_handler.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -19,6 +20,7 @@
 #include <QTest>
 #include <QToolButton>
 #include <QUndoStack>
+#include <QWheelEvent>
 
 #include <workbench/duration_text.h>
 #include <workbench/edit_field.h>
@@ -380,6 +382,55 @@ private Q_SLOTS:
         QVERIFY(scene.model.item(scene.first)->isEditable());
         QVERIFY(scene.model.item(scene.second_)->isEditable());
         QTRY_COMPARE(locked->checkState(), Qt::Unchecked);
+    }
+
+    void neitherTheWheelNorAKeyMovesItemsInPassing()
+    {
+        Scene scene;
+        scene.select({scene.first, scene.third});
+        auto* const track = scene.inspector.findChild<QComboBox*>("track");
+        QCOMPARE(track->currentIndex(), -1);
+        QWheelEvent wheel({5, 5}, track->mapToGlobal(QPoint(5, 5)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        wheel.accept();
+        QApplication::sendEvent(track, &wheel);
+        QVERIFY(!wheel.isAccepted());
+        track->setFocus();
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End, Qt::Key_B}) {
+            QTest::keyClick(track, key);
+            QTRY_VERIFY2(track->view()->isVisible(), qPrintable(QKeySequence(key).toString()));
+            QTest::keyClick(track->view(), Qt::Key_Escape);
+            QTRY_VERIFY(!track->view()->isVisible());
+        }
+        QCOMPARE(scene.steps(), QStringList());
+        QCOMPARE(track->currentIndex(), -1);
+
+        QTest::keyClick(track, Qt::Key_Down);
+        QTest::keyClick(track->view(), Qt::Key_End);
+        QTest::keyClick(track->view(), Qt::Key_Return);
+        QTRY_COMPARE(scene.model.item(scene.first)->parentTrackId(), scene.trackB);
+        QCOMPARE(scene.model.item(scene.third)->parentTrackId(), scene.trackB);
+        QCOMPARE(scene.model.undoStack()->count(), 1);
+    }
+
+    void anAttributeThatIsBeingTypedIsTakenBeforeTheDocumentIsLeft()
+    {
+        Scene scene;
+        scene.select({scene.first});
+        scene.table()->setCurrentCell(0, 1);
+        scene.table()->editItem(scene.table()->item(0, 1));
+        auto* const editor = scene.table()->viewport()->findChild<QLineEdit*>();
+        QVERIFY(editor);
+        editor->selectAll();
+        QTest::keyClicks(editor, "4");
+        QCOMPARE(scene.steps(), QStringList());
+        scene.inspector.commitPending();
+        QCOMPARE(scene.model.itemAttributes(scene.first).value("crew"), "4");
+        QCOMPARE(scene.model.undoStack()->count(), 1);
+        QTRY_VERIFY(!scene.table()->viewport()->findChild<QLineEdit*>());
+        // Nothing is being typed.
+        scene.inspector.commitPending();
+        QCOMPARE(scene.model.undoStack()->count(), 1);
     }
 
     void theTrackIsChosenFromAll()

@@ -196,18 +196,30 @@ private Q_SLOTS:
         QFile old(file);
         QVERIFY(old.open(QIODevice::WriteOnly));
         old.close();
-        answer(QMessageBox::No);
-        PictureExportDialog* dialog = open();
+        answer(QMessageBox::Cancel);
+        PictureExportDialog* const dialog = open();
         setText(dialog, "file", file);
         press(dialog, "export");
-        QCOMPARE(m_question, QString("“%1” is there already. Replace it?").arg(file));
+        QTRY_COMPARE(m_question, "“a.svg” is there already. Replace it?");
+        QTRY_VERIFY(!dialog->findChild<QMessageBox*>());
         QCOMPARE(content(file), QByteArray());
-        answer(QMessageBox::Yes);
-        QTRY_VERIFY(!m_window->findChild<PictureExportDialog*>());
-        dialog = open();
-        setText(dialog, "file", file);
+        // Nothing of what has been set is lost.
+        QVERIFY(dialog->isVisible());
+        QCOMPARE(dialog->fileName(), file);
+        answer(QMessageBox::Save);
         press(dialog, "export");
         QTRY_VERIFY(content(file).contains(">voyage<"));
+        QTRY_VERIFY(!m_window->findChild<PictureExportDialog*>());
+    }
+
+    void aNameAloneGoesToTheFolderThatWasProposed()
+    {
+        PictureExportDialog* const dialog = open();
+        setText(dialog, "file", "alone.png");
+        QCOMPARE(dialog->fileName(), QDir(proposedFolder()).filePath("alone.png"));
+        setText(dialog, "file", "");
+        QCOMPARE(dialog->fileName(), QString());
+        dialog->reject();
     }
 
     void aFailureIsTold()
@@ -216,7 +228,8 @@ private Q_SLOTS:
         PictureExportDialog* const dialog = open();
         setText(dialog, "file", m_dir->filePath("missing/a.pdf"));
         press(dialog, "export");
-        QTRY_COMPARE(m_question, m_dir->filePath("missing/a.pdf") + ": No such file or directory");
+        QTRY_COMPARE(m_details, m_dir->filePath("missing/a.pdf") + ": No such file or directory");
+        QCOMPARE(m_question, "The picture could not be made.");
     }
 
     void pagesGoToThePrinter()
@@ -252,6 +265,8 @@ private:
         return m_window->findChild<PictureExportDialog*>("pictureExportDialog");
     }
 
+    QString proposedFolder() const { return QFileInfo(Workbench::pictureContext(*m_window).fileName).path(); }
+
     static void setText(const QDialog* dialog, const char* name, const QString& text)
     {
         auto* const field = dialog->findChild<QLineEdit*>(name);
@@ -279,6 +294,7 @@ private:
             timer->stop();
             timer->deleteLater();
             m_question = box->text();
+            m_details = box->informativeText();
             QTest::mouseClick(box->button(button), Qt::LeftButton);
         });
         timer->start(5);
@@ -287,6 +303,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<MainWindow> m_window;
     QString m_question;
+    QString m_details;
 };
 
 QTEST_MAIN(TestPictures)

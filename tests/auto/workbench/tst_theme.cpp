@@ -3,6 +3,8 @@
 
 #include <QApplication>
 #include <QDBusVariant>
+#include <QDialogButtonBox>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QStyle>
 #include <QTest>
@@ -44,6 +46,26 @@ class TestTheme : public QObject
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression("^(?!This plugin does not support propagateSizeHints)")); }
+
+    void theButtonsOfDialogsHaveNoIcons()
+    {
+        Theme theme;
+        QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+        for (QAbstractButton* const button : buttons.buttons())
+            button->setIcon(icon("save"));
+        QPushButton other(icon("save"), "Save");
+        buttons.show();
+        other.show();
+        const auto hasIcons = [&buttons] {
+            const QList<QAbstractButton*> all = buttons.buttons();
+            return std::any_of(all.begin(), all.end(), [](const auto* button) { return !button->icon().isNull(); });
+        };
+        QVERIFY(!hasIcons());
+        QVERIFY(!other.icon().isNull());
+        // Another style gives them its own.
+        theme.setScheme(Theme::Dark);
+        QTRY_VERIFY(!hasIcons());
+    }
 
     void aDarkDesktopMakesTheSystemsLookDark()
     {

@@ -11,8 +11,6 @@ using namespace VeskTimeline;
 
 namespace {
 
-const QString initially = QStringLiteral("A[first 0+5, second 20+5] B[third 40+5]");
-
 QStringList selectedLabels(const DesktopWorkbench& f)
 {
     QStringList labels;
@@ -43,13 +41,13 @@ private Q_SLOTS:
         QTRY_COMPARE(f.contents(), "A[second 20+5] B[third 40+5]");
         QVERIFY2(f.entry("undo")->text().contains("Delete item"), qPrintable(f.entry("undo")->text()));
         CHOOSE(f, "undo");
-        QTRY_COMPARE(f.contents(), initially);
+        QTRY_COMPARE(f.contents(), f.initially);
         QVERIFY2(f.entry("redo")->text().contains("Delete item"), qPrintable(f.entry("redo")->text()));
         CHOOSE(f, "redo");
         QTRY_COMPARE(f.contents(), "A[second 20+5] B[third 40+5]");
 
         PLAY(f.pointer.shortcut("ctrl+z"));
-        QTRY_COMPARE(f.contents(), initially);
+        QTRY_COMPARE(f.contents(), f.initially);
         PLAY(f.pointer.shortcut("ctrl+shift+z"));
         QTRY_COMPARE(f.contents(), "A[second 20+5] B[third 40+5]");
     }
@@ -80,7 +78,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.contents(), "A[first 0+5, second 10+5] B[third 40+5]");
         QCOMPARE(selectedLabels(f), QStringList{"second"});
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void copyAndPaste()
@@ -90,12 +88,12 @@ private Q_SLOTS:
         f.window.timeline()->header()->setIndicatorTime(DesktopWorkbench::origin + 50 * DesktopWorkbench::minute);
         QVERIFY(f.select(f.items().at(2)));
         CHOOSE(f, "copy");
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
         QVERIFY(!f.model()->undoStack()->canUndo());
         CHOOSE(f, "paste");
         QTRY_COMPARE(f.contents(), "A[first 0+5, second 20+5] B[third 40+5, third 50+5]");
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void duplicateAddsBehind()
@@ -108,7 +106,7 @@ private Q_SLOTS:
         QCOMPARE(selectedLabels(f), QStringList{"first"});
         QVERIFY(f.view()->selectedItemIds().first() != f.items().at(0));
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void selectAllAndDelete()
@@ -123,7 +121,7 @@ private Q_SLOTS:
         // All three are one step.
         QCOMPARE(f.model()->undoStack()->count(), 1);
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void theKeysDoTheSame()
@@ -147,7 +145,7 @@ private Q_SLOTS:
         PLAY(f.pointer.shortcut("ctrl+c").shortcut("ctrl+v"));
         QTRY_COMPARE(f.contents(), "A[first 0+5, second 10+5, first 30+5] B[third 40+5]");
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void everyEntryHasBeenChosen()

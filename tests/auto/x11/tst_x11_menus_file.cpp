@@ -29,8 +29,6 @@ using Workbench::PictureExportDialog;
 
 namespace {
 
-const QString initially = QStringLiteral("A[first 0+5, second 20+5] B[third 40+5]");
-
 QByteArray bytesOf(const QString& fileName)
 {
     QFile file(fileName);
@@ -66,7 +64,7 @@ private:
         QCOMPARE((workbench).dialog<QMessageBox>()->objectName(), name);                                               \
         const QAbstractButton* const button = (workbench).dialog<QMessageBox>()->button(pressed);                      \
         QVERIFY(button);                                                                                               \
-        PLAY((workbench).pointer.moveTo(button, button->rect().center()).click());                                     \
+        PLAY((workbench).pointer.moveTo(button).click());                                                              \
         QTRY_VERIFY(!(workbench).dialog<QMessageBox>());                                                               \
     } while (false)
 
@@ -158,10 +156,10 @@ private Q_SLOTS:
         CHOOSE(f, "add_files");
         TYPE_FILE(f, "addDialog", file);
         QTRY_COMPARE(f.model()->itemCount(), 4);
-        QVERIFY(f.contents().startsWith(initially + " a.csv[]{T[x "));
+        QVERIFY(f.contents().startsWith(f.initially + " a.csv[]{T[x "));
         QTRY_VERIFY(f.window.isActiveWindow());
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
         PLAY(f.pointer.shortcut("ctrl+shift+o"));
         QTRY_VERIFY(f.dialog<QFileDialog>());
         PLAY(f.pointer.key("Escape"));
@@ -316,7 +314,7 @@ private Q_SLOTS:
                 field = candidate;
         }
         QVERIFY(field);
-        PLAY(f.pointer.moveTo(field, field->rect().center()).click().key("ctrl+a").type(file));
+        PLAY(f.pointer.moveTo(field).click().key("ctrl+a").type(file));
         QTRY_COMPARE(field->text(), file);
         PLAY(f.pointer.key("Return"));
         QTRY_VERIFY(bytesOf(file).startsWith("%PDF"));
@@ -373,7 +371,7 @@ private Q_SLOTS:
         source.show();
         QVERIFY(QTest::qWaitForWindowExposed(&source));
         const auto drop = [&]() -> Pointer& {
-            f.pointer.moveTo(&source, source.rect().center()).press();
+            f.pointer.moveTo(&source).press();
             return f.pointer.moveTo(f.rows(), QPoint(700, 100)).moveTo(f.rows(), QPoint(690, 100)).release();
         };
         PLAY(drop());
@@ -381,7 +379,7 @@ private Q_SLOTS:
         QTRY_VERIFY(f.window.findChild<QMessageBox*>("saveChanges"));
         const QAbstractButton* const discard =
             f.window.findChild<QMessageBox*>("saveChanges")->button(QMessageBox::Discard);
-        PLAY(f.pointer.moveTo(discard, discard->rect().center()).click());
+        PLAY(f.pointer.moveTo(discard).click());
         QTRY_COMPARE(f.contents().section('[', 0, 0), "T");
     }
 
@@ -410,7 +408,7 @@ private Q_SLOTS:
         CHOOSE(f, "forgetImports");
         QTRY_VERIFY(f.dialog<QMessageBox>());
         auto* const forget = f.dialog<QMessageBox>()->findChild<QPushButton*>("forget");
-        PLAY(f.pointer.moveTo(forget, forget->rect().center()).click());
+        PLAY(f.pointer.moveTo(forget).click());
         QTRY_COMPARE(importCount(), 0);
     }
 

@@ -60,12 +60,12 @@ private Q_SLOTS:
         QVERIFY(all > 30);
         const QPushButton* const copy = buttonOf(page, "Copy as text");
         QVERIFY(copy);
-        PLAY(f.pointer.moveTo(copy, copy->rect().center()).click());
+        PLAY(f.pointer.moveTo(copy).click());
         QTRY_COMPARE(QApplication::clipboard()->text(), page.text());
         QVERIFY(page.text().contains("Ctrl+D"));
         const QPushButton* const close = buttonOf(page, "Close");
         QVERIFY(close);
-        PLAY(f.pointer.moveTo(close, close->rect().center()).click());
+        PLAY(f.pointer.moveTo(close).click());
         QTRY_VERIFY(!f.window.findChild<ShortcutPage*>());
         QTRY_VERIFY(f.window.isActiveWindow());
 
@@ -116,7 +116,7 @@ private Q_SLOTS:
             QVERIFY2(box.text().contains(name), name);
         const QAbstractButton* const close = box.button(QMessageBox::Close);
         QVERIFY(close);
-        PLAY(f.pointer.moveTo(close, close->rect().center()).click());
+        PLAY(f.pointer.moveTo(close).click());
         QTRY_VERIFY(!f.dialog<QMessageBox>());
     }
 

@@ -15,8 +15,6 @@ using namespace VeskTimeline;
 
 namespace {
 
-const QString initially = QStringLiteral("A[first 0+5, second 20+5] B[third 40+5]");
-
 QColor colorOf(const DesktopWorkbench& f, int itemId)
 {
     return std::as_const(*f.model()).item(itemId)->color();
@@ -75,7 +73,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.model()->itemLabel(added), "break");
         f.view()->setFocus();
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
 
         PLAY(f.pointer.shortcut("Insert"));
         QTRY_COMPARE(f.items().size(), 4);
@@ -106,7 +104,7 @@ private Q_SLOTS:
         QVERIFY(!isLocked(f, f.items().at(1)));
         // A locked item stays where it is.
         PLAY(f.pointer.drag(f.rows(), f.itemPos(id), f.itemPos(id) + QPoint(60, 0)));
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
         f.view()->selectItem(id, true);
         CHOOSE(f, "unlock");
         QTRY_VERIFY(!isLocked(f, id));
@@ -144,10 +142,7 @@ private Q_SLOTS:
         const int id = f.items().at(0);
         QVERIFY(f.select(id));
         CHOOSE(f, "Colour/Other…");
-        QTRY_VERIFY(f.dialog<QColorDialog>());
-        const QLineEdit* const field = f.colorField();
-        QVERIFY(field);
-        PLAY(f.pointer.moveTo(field, field->rect().center()).click().key("ctrl+a").type("#123456").key("Return"));
+        TYPE_COLOR(f, "#123456");
         QTRY_COMPARE(colorOf(f, id), QColor("#123456"));
 
         CHOOSE(f, "Colour/Other…");
@@ -178,7 +173,7 @@ private Q_SLOTS:
         QCOMPARE(f.items().size(), 4);
         f.view()->setFocus();
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void aRightPressShowsOneMenu_data()
@@ -208,7 +203,7 @@ private Q_SLOTS:
         PLAY(f.pointer.key("Escape"));
         QTRY_COMPARE(openContextMenus(f).size(), 0);
         QCOMPARE(QApplication::activePopupWidget(), nullptr);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void theContextMenuAddsAnItemHere()

@@ -14,8 +14,6 @@ using VeskWidgets::VeskMessageDialogNew;
 
 namespace {
 
-const QString initially = QStringLiteral("A[first 0+5, second 20+5] B[third 40+5]");
-
 QLineEdit* nameEditor(const DesktopWorkbench& f)
 {
     auto* const editor = f.view()->findChild<QLineEdit*>("trackNameEditor");
@@ -56,14 +54,14 @@ private Q_SLOTS:
         PLAY(f.pointer.type("inside").key("Return"));
         QTRY_COMPARE(f.contents(), "A[first 0+5, second 20+5] beside[]{inside[]} B[third 40+5]");
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
 
         PLAY(f.pointer.moveTo(f.rows(), f.namePos(2)).click().shortcut("ctrl+t"));
         QTRY_VERIFY(nameEditor(f));
         PLAY(f.pointer.key("Escape").shortcut("ctrl+shift+t"));
         QTRY_VERIFY(nameEditor(f));
         PLAY(f.pointer.key("Escape"));
-        QTRY_COMPARE(f.contents(), initially + " New track[]{New track[]}");
+        QTRY_COMPARE(f.contents(), f.initially + " New track[]{New track[]}");
     }
 
     void rename()
@@ -89,7 +87,7 @@ private Q_SLOTS:
         PLAY(f.pointer.type("by double click").key("Return"));
         QTRY_COMPARE(f.model()->track(2)->text(), "by double click");
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void moveUpAndDown()
@@ -101,13 +99,13 @@ private Q_SLOTS:
         CHOOSE(f, "track_up");
         QTRY_COMPARE(f.contents(), swapped);
         CHOOSE(f, "track_down");
-        QTRY_COMPARE(f.contents(), initially);
+        QTRY_COMPARE(f.contents(), f.initially);
         PLAY(f.pointer.shortcut("alt+Up"));
         QTRY_COMPARE(f.contents(), swapped);
         PLAY(f.pointer.shortcut("alt+Down"));
-        QTRY_COMPARE(f.contents(), initially);
+        QTRY_COMPARE(f.contents(), f.initially);
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void moveInAndOut()
@@ -119,13 +117,13 @@ private Q_SLOTS:
         CHOOSE(f, "track_in");
         QTRY_COMPARE(f.contents(), nested);
         CHOOSE(f, "track_out");
-        QTRY_COMPARE(f.contents(), initially);
+        QTRY_COMPARE(f.contents(), f.initially);
         PLAY(f.pointer.shortcut("ctrl+bracketright"));
         QTRY_COMPARE(f.contents(), nested);
         PLAY(f.pointer.shortcut("ctrl+bracketleft"));
-        QTRY_COMPARE(f.contents(), initially);
+        QTRY_COMPARE(f.contents(), f.initially);
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void removeAsksFirst()
@@ -138,17 +136,17 @@ private Q_SLOTS:
         QVERIFY(f.dialog<VeskMessageDialogNew>()->text().contains("items: 2"));
         PLAY(f.pointer.key("Escape"));
         QTRY_VERIFY(!f.dialog<VeskMessageDialogNew>());
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
 
         CHOOSE(f, "remove_track");
         QTRY_VERIFY(f.dialog<VeskMessageDialogNew>());
         const QAbstractButton* const yes = f.dialog<VeskMessageDialogNew>()->button(QMessageBox::Yes);
         QVERIFY(yes);
-        PLAY(f.pointer.moveTo(yes, yes->rect().center()).click());
+        PLAY(f.pointer.moveTo(yes).click());
         QTRY_COMPARE(f.contents(), "B[third 40+5]");
         QTRY_VERIFY(f.window.isActiveWindow());
         UNDO_ALL(f);
-        QCOMPARE(f.contents(), initially);
+        QCOMPARE(f.contents(), f.initially);
     }
 
     void colours()
@@ -166,10 +164,7 @@ private Q_SLOTS:
         CHOOSE(f, "Colour of track/Default");
         QTRY_COMPARE(f.model()->colorOfTrack(1), Kit::StandardTimelineModel::trackColor(0));
         CHOOSE(f, "Colour of track/Other…");
-        QTRY_VERIFY(f.dialog<QColorDialog>());
-        const QLineEdit* const field = f.colorField();
-        QVERIFY(field);
-        PLAY(f.pointer.moveTo(field, field->rect().center()).click().key("ctrl+a").type("#123456").key("Return"));
+        TYPE_COLOR(f, "#123456");
         QTRY_COMPARE(f.model()->colorOfTrack(1), QColor("#123456"));
         QTRY_VERIFY(f.window.isActiveWindow());
         UNDO_ALL(f);

@@ -156,14 +156,14 @@ void TestX11Widget::zoomButtonsZoomUntilTheyAreDisabled()
 
     Pointer pointer;
     QPushButton* const in = desktop.zoomIn();
-    PLAY(pointer.moveTo(in, in->rect().center()).click());
+    PLAY(pointer.moveTo(in).click());
     QTRY_COMPARE(desktop.widget.zoomFactor(), Zoom::TenMinutes);
     QVERIFY(!in->isEnabled());
     PLAY(pointer.click());
     QCOMPARE(desktop.widget.zoomFactor(), Zoom::TenMinutes);
 
     QPushButton* const out = desktop.zoomOut();
-    pointer.moveTo(out, out->rect().center());
+    pointer.moveTo(out);
     for (const Zoom::Factor factor : {Zoom::FifteenMinutes, Zoom::ThirtyMinutes, Zoom::SixtyMinutes}) {
         PLAY(pointer.click());
         QTRY_COMPARE(desktop.widget.zoomFactor(), factor);
@@ -180,7 +180,7 @@ void TestX11Widget::zoomBoxOffersTheFactors()
     QCOMPARE(box->currentData().toInt(), static_cast<int>(Zoom::FifteenMinutes));
 
     Pointer pointer;
-    pointer.moveTo(box, box->rect().center()).click();
+    pointer.moveTo(box).click();
     PLAY(pointer.expect("the list is open", [&] { return box->view()->isVisible(); }));
     const int row = box->findData(static_cast<int>(Zoom::FiveMinutes));
     QVERIFY(row >= 0);
@@ -200,7 +200,7 @@ void TestX11Widget::wheelInTheViewIsFollowedByTheControls()
     QWidget* const ruler = desktop.widget.header()->viewport();
 
     Pointer pointer;
-    PLAY(pointer.moveTo(ruler, ruler->rect().center()).wheel(-1));
+    PLAY(pointer.moveTo(ruler).wheel(-1));
     const int step = Zoom::majorInterval(Zoom::FifteenMinutes);
     QTRY_COMPARE(desktop.widget.currentTime(), DesktopWidget::origin + step);
     QCOMPARE(desktop.widget.slider()->value(), static_cast<int>((DesktopWidget::origin + step) / 1000));
