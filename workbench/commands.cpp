@@ -8,6 +8,7 @@
 #include "offscreen_silence.h"
 #include "portal_look.h"
 #include "settings.h"
+#include "start_up_load.h"
 #include "theme.h"
 
 #include <VeskTimelineKit/document_format.h>
@@ -20,6 +21,8 @@
 #include <QSaveFile>
 
 #include <cstdio>
+#include <functional>
+#include <memory>
 
 namespace Workbench {
 
@@ -110,17 +113,21 @@ bool hasUser()
     return isSeen && hasDisplay();
 }
 
-void showRefusals(const QList<FileError>& refusals, const std::optional<Theme::Scheme>& look)
+/// Lets dialogs look as the window would, while there is none.
+class DialogLook
 {
-    prepareSettings();
-    registerIcons();
-    QApplication::setWindowIcon(icon(QStringLiteral("vesk_timeline_workbench")));
-    Theme theme;
-    theme.listenTo(new PortalLook);
-    theme.setScheme(look.value_or(Theme::System));
-    reportRefusals(nullptr, refusals);
-    QApplication::exec();
-}
+public:
+    explicit DialogLook(const std::optional<Theme::Scheme>& chosen)
+    {
+        prepareSettings();
+        QApplication::setWindowIcon(icon(QStringLiteral("vesk_timeline_workbench")));
+        m_theme.listenTo(new PortalLook);
+        m_theme.setScheme(chosen.value_or(MainWindow::keptLook()));
+    }
+
+private:
+    Theme m_theme;
+};
 
 int runWithoutWindow(const CommandLine& commandLine, const Document& document)
 {
@@ -171,33 +178,62 @@ int runWithWindow(const CommandLine& commandLine, const ReadDocuments& loaded)
     return status;
 }
 
+// What is refused soon needs no display; what takes long can be seen and cancelled.
+ReadDocuments loadForUser(const CommandLine& commandLine, const std::function<void()>& startApplication)
+{
+    constexpr std::chrono::milliseconds unnoticed(500);
+    StartUpLoad load(commandLine.files, commandLine.from, commandLine.readOptions);
+    if (!load.isDoneWithin(unnoticed)) {
+        startApplication();
+        const DialogLook look(commandLine.theme);
+        load.showProgress();
+    }
+    ReadDocuments loaded = load.take();
+    report(loaded.refusals);
+    if (!loaded.refusals.isEmpty() && commandLine.showsRefusals && !load.isCancelled()) {
+        startApplication();
+        const DialogLook look(commandLine.theme);
+        reportRefusals(nullptr, loaded.refusals);
+        QApplication::exec();
+    }
+    return loaded;
+}
+
+ReadDocuments load(const CommandLine& commandLine, const std::function<void()>& startApplication)
+{
+    if (commandLine.action == CommandLine::Action::ShowWindow && hasUser())
+        return loadForUser(commandLine, startApplication);
+    ReadDocuments loaded = loadFiles(commandLine.files, commandLine.from, commandLine.readOptions);
+    report(loaded.refusals);
+    return loaded;
+}
+
 } // namespace
 
 int run(const CommandLine& commandLine, char* programName)
 {
-    // Before any window is thought of: a refusal needs no display.
-    const ReadDocuments loaded = loadFiles(commandLine.files, commandLine.from, commandLine.readOptions);
-    report(loaded.refusals);
     // Of the arguments Qt gets the first only: it would take file names like "-style" for options of its own.
     int count = 1;
     char* arguments[] = {programName, nullptr};
-    if (!loaded.refusals.isEmpty()) {
-        if (commandLine.showsRefusals && hasUser()) {
-            const QApplication application(count, arguments);
-            showRefusals(loaded.refusals, commandLine.theme);
-        }
+    std::unique_ptr<QApplication> application;
+    const auto startApplication = [&] {
+        if (!application)
+            application = std::make_unique<QApplication>(count, arguments);
+    };
+    // Before any window is thought of: a refusal needs no display.
+    const ReadDocuments loaded = load(commandLine, startApplication);
+    if (!loaded.refusals.isEmpty())
         return FileRefused;
-    }
 
     const bool isForUser = commandLine.action == CommandLine::Action::ShowWindow;
     if (!commandLine.needsWindow() || (isForUser && !hasDisplay())) {
-        const QCoreApplication application(count, arguments);
+        const QCoreApplication withoutWindow(count, arguments);
         return runWithoutWindow(commandLine, loaded.document);
     }
     // A picture shows nothing, so that a display that cannot be reached does no harm.
     if (!hasDisplay() || (commandLine.convertsToPicture() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(count, arguments);
+    startApplication();
     if (commandLine.convertsToPicture()) {
         warn(loaded.document.warnings());
         return convertToPicture(loaded.document, commandLine.picture, commandLine.output);

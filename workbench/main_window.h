@@ -84,6 +84,8 @@ public:
     /// be called before the window is shown.
     /// @param look for this time only; nothing: as the user left it
     void keepViewSettings(std::optional<Theme::Scheme> look = std::nullopt);
+    /// The look that the user left the last window in.
+    static Theme::Scheme keptLook();
     /// What is opened from now on is not remembered either: for a window that is no user's.
     void leaveNoTrace();
     /// Whatever moves the window of the timeline does so through this.

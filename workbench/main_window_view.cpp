@@ -51,12 +51,16 @@ void MainWindow::explainFit()
     fit->setToolTip(fit->toolTip() + u'\n' + text);
 }
 
+Theme::Scheme MainWindow::keptLook()
+{
+    return Theme::schemeOf(openSettings()->value(themeKey).toString()).value_or(Theme::System);
+}
+
 void MainWindow::keepViewSettings(std::optional<Theme::Scheme> look)
 {
     const std::unique_ptr<QSettings> settings = openSettings();
     m_viewSettings->restore(*settings);
-    const auto kept = Theme::schemeOf(settings->value(themeKey).toString());
-    m_theme->setScheme(look ? *look : kept.value_or(Theme::System));
+    m_theme->setScheme(look.value_or(keptLook()));
     connect(m_viewSettings, &ViewSettings::changed, this, [this] { m_viewSettings->save(*openSettings()); });
     connect(m_theme, &Theme::changed, this,
             [this] { openSettings()->setValue(themeKey, Theme::name(m_theme->scheme())); });

@@ -174,7 +174,7 @@ bool Theme::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && m_scheme == System && !m_isApplying)
         Q_EMIT changed();
-    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
+    if (event->type() == QEvent::Polish || event->type() == QEvent::Show || event->type() == QEvent::StyleChange)
         leaveOutButtonIcon(watched);
     return QObject::eventFilter(watched, event);
 }
