@@ -117,6 +117,7 @@ private:
     QAction* addMenuAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& shortcut = {});
 
     void createFileSession();
+    void openRecent(const QString& fileName);
     void createTaskProgress();
     void addSaveActions(QMenu* menu);
     void updateFileActions();

@@ -1,5 +1,6 @@
 #include "csv_forget_imports.h"
 #include "csv_import_assistant.h"
+#include "file_dialogs.h"
 #include "file_session.h"
 #include "main_window.h"
 #include "name_column.h"
@@ -14,10 +15,13 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDir>
 #include <QDropEvent>
+#include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPushButton>
 #include <QStatusBar>
 
 namespace Workbench {
@@ -70,8 +74,26 @@ void MainWindow::createFileSession()
             [this](const QString& fileName) { statusBar()->showMessage(tr("Saved %1").arg(fileName), 5000); });
     connect(m_session, &FileSession::exported, this,
             [this](const QString& fileName) { statusBar()->showMessage(tr("Exported %1").arg(fileName), 5000); });
-    connect(m_recentFiles, &RecentFiles::chosen, m_session,
-            [this](const QString& fileName) { m_session->open({fileName}); });
+    connect(m_recentFiles, &RecentFiles::chosen, this, &MainWindow::openRecent);
+}
+
+void MainWindow::openRecent(const QString& fileName)
+{
+    if (QFileInfo::exists(fileName)) {
+        m_session->open({fileName});
+        return;
+    }
+    // It may be on a disk that comes back, so that the user has to say.
+    const FileQuestion question{"recentFileGone",
+                                tr("“%1” is not there. Remove it from the list?").arg(QFileInfo(fileName).fileName()),
+                                QDir::toNativeSeparators(fileName)};
+    const QMessageBox* const box = ask(this, question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No,
+                                       [this, fileName](QMessageBox::StandardButton button) {
+                                           if (button == QMessageBox::Yes)
+                                               m_recentFiles->remove(fileName);
+                                       });
+    box->button(QMessageBox::Yes)->setText(tr("&Remove"));
+    box->button(QMessageBox::No)->setText(tr("&Keep"));
 }
 
 void MainWindow::leaveNoTrace()

@@ -18,6 +18,7 @@
 #include <QPrinter>
 #include <QProgressDialog>
 #include <QSet>
+#include <QStatusBar>
 
 #include <memory>
 
@@ -54,8 +55,10 @@ void sayThereIsNoPicture(MainWindow& window, const QString& reason)
 }
 
 // Lets it paint, and be cancelled, while the window stays as it is. Deletes it at its end.
-void runWithProgress(MainWindow& window, PictureExport* picture, const QString& title)
+// @param success for the status bar
+void runWithProgress(MainWindow& window, PictureExport* picture, const QString& title, const QString& success)
 {
+    constexpr int visibleFor = 5000; // milliseconds
     constexpr int steps = 1000;
     auto* const progress = new QProgressDialog(title, MainWindow::tr("Cancel"), 0, steps, &window);
     progress->setAttribute(Qt::WA_DeleteOnClose);
@@ -66,13 +69,15 @@ void runWithProgress(MainWindow& window, PictureExport* picture, const QString& 
     QObject::connect(picture, &PictureExport::progressChanged, progress,
                      [progress](double share) { progress->setValue(static_cast<int>(share * steps)); });
     QObject::connect(progress, &QProgressDialog::canceled, picture, &PictureExport::cancel);
-    QObject::connect(picture, &PictureExport::finished, &window, [&window, picture, progress] {
+    QObject::connect(picture, &PictureExport::finished, &window, [&window, picture, progress, success] {
         progress->disconnect(picture);
         progress->close();
         const std::optional<FileError> error = picture->error();
         picture->deleteLater();
         if (error && error->reason != writingCancelledReason())
             sayThereIsNoPicture(window, error->file.isEmpty() ? error->reason : error->text());
+        else if (!error)
+            window.statusBar()->showMessage(success, visibleFor);
     });
     picture->start();
 }
@@ -119,7 +124,7 @@ void exportPicture(MainWindow& window)
     dialog->setObjectName(QStringLiteral("pictureExportDialog"));
     QObject::connect(dialog, &QDialog::accepted, &window, [&window, dialog] {
         runWithProgress(window, new PictureExport(*window.model(), dialog->fileName(), dialog->options(), &window),
-                        MainWindow::tr("Writing the picture…"));
+                        MainWindow::tr("Writing the picture…"), MainWindow::tr("Exported %1").arg(dialog->fileName()));
     });
     dialog->open();
 }
@@ -157,7 +162,7 @@ void printTimeline(MainWindow& window)
         });
         // The printer lives as long as what paints on it.
         QObject::connect(pages, &QObject::destroyed, [printer] {});
-        runWithProgress(window, pages, MainWindow::tr("Printing…"));
+        runWithProgress(window, pages, MainWindow::tr("Printing…"), MainWindow::tr("Printed"));
     });
     dialog->open();
 }

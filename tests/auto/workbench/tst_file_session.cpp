@@ -404,6 +404,30 @@ private Q_SLOTS:
         QTRY_COMPARE(window.windowTitle(), "[*]VeskTimeline Workbench (times of traces stretched by 1000)");
     }
 
+    void aRecentFileThatIsNotThereCanBeTakenFromTheList()
+    {
+        const QString gone = path("gone.csv");
+        const QString there = csv("a.csv", "A,x,1,2\n");
+        Workbench::RecentFiles().add({there, gone});
+        MainWindow window;
+        window.show();
+        const auto choose = [&window](const char* name) {
+            Q_EMIT window.findChild<QMenu*>("recentMenu")->aboutToShow();
+            action(window, name)->trigger();
+        };
+        choose("recentFile2");
+        QCOMPARE(box(window, "recentFileGone")->text(), "“gone.csv” is not there. Remove it from the list?");
+        QCOMPARE(box(window, "recentFileGone")->informativeText(), gone);
+        PRESS(window, "recentFileGone", No);
+        QCOMPARE(Workbench::RecentFiles().files(), (QStringList{there, gone}));
+        choose("recentFile2");
+        PRESS(window, "recentFileGone", Yes);
+        QCOMPARE(Workbench::RecentFiles().files(), QStringList(there));
+        choose("recentFile1");
+        QTRY_COMPARE(topTracks(window), QStringList("A"));
+        QVERIFY(!box(window, "recentFileGone"));
+    }
+
     void reloadingFirstTakesTheTrackNameThatIsBeingTyped()
     {
         openNative();

@@ -17,6 +17,7 @@
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -209,6 +210,7 @@ private Q_SLOTS:
         answer(QMessageBox::Save);
         press(dialog, "export");
         QTRY_VERIFY(content(file).contains(">voyage<"));
+        QTRY_COMPARE(m_window->statusBar()->currentMessage(), "Exported " + file);
         QTRY_VERIFY(!m_window->findChild<PictureExportDialog*>());
     }
 
