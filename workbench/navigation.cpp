@@ -10,6 +10,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace Workbench {
 
@@ -343,6 +344,21 @@ std::optional<qint64> Navigation::startOfPreviousPart() const
     if (!last)
         return std::nullopt;
     return *last - view()->zoomFactor() / 2;
+}
+
+std::optional<qint64> Navigation::closestToItems(qint64 time, qint64 distance) const
+{
+    std::optional<qint64> closest;
+    qint64 least = distance;
+    visitItemsWhile(*m_model->rootTrack(), [&](qint64 start, qint64 end) {
+        const qint64 moment = std::clamp(time, start, end);
+        if (std::abs(moment - time) <= least) {
+            closest = moment;
+            least = std::abs(moment - time);
+        }
+        return least > 0;
+    });
+    return closest;
 }
 
 } // namespace Workbench

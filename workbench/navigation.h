@@ -67,6 +67,8 @@ public:
     void setWindow(qint64 start, VeskTimeline::Zoom::Factor factor);
     /// The next smaller (direction 1) or larger (-1) zoom factor, with the middle of the window staying where it is.
     void zoomBy(int direction);
+    /// The moment within an item that is closest to a time, and no farther from it than a distance.
+    std::optional<qint64> closestToItems(qint64 time, qint64 distance) const;
     /// Whether page() has somewhere to go.
     bool canPage(int direction) const;
 

@@ -112,7 +112,7 @@ void OverviewStrip::mousePressEvent(QMouseEvent* event)
     m_windowBefore = m_navigation->window();
     m_grip = gripAt(x);
     if (m_grip == Grip::None) {
-        m_navigation->scrollCentreTo(toTime(x));
+        m_navigation->scrollCentreTo(meantAt(toTime(x)));
         m_grip = Grip::Frame;
     }
     const qint64 held = m_grip == Grip::EndEdge ? m_navigation->window().end : m_navigation->window().start;
@@ -169,7 +169,19 @@ void OverviewStrip::takeDragBack()
 
 void OverviewStrip::dragTo(double x)
 {
-    m_navigation->scrollTo(toTime(x - m_grab));
+    const TimeSpan window = m_navigation->window();
+    m_navigation->scrollCentreTo(meantAt(toTime(x - m_grab) + (window.end - window.start) / 2));
+}
+
+// Where a pixel stands for more than the window shows, nobody can point at an item so well that it is seen.
+qint64 OverviewStrip::meantAt(qint64 time) const
+{
+    constexpr double reach = 3;
+    const qint64 distance = toTime(reach) - toTime(0);
+    const TimeSpan window = m_navigation->window();
+    if (distance < window.end - window.start)
+        return time;
+    return m_navigation->closestToItems(time, distance).value_or(time);
 }
 
 // The view has steps of zoom: the one that comes closest to where the edge is drawn, as a ratio.

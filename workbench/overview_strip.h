@@ -18,7 +18,8 @@ class Navigation;
 /// A click brings the window to its place; the frame can be dragged, and where it is wide enough its edges too, which
 /// zooms. The wheel scrolls and, with Control, zooms; a double click shows the start at the widest zoom. Keys: arrows
 /// scroll, Page Up and Page Down by a window, Home and End to the ends, plus and minus zoom, Escape takes a drag back.
-/// A window outside the document is told by an arrow at that end.
+/// Where a few pixels stand for more than the window shows, as when decades lie between the items of a document, clicks
+/// and drags find the items that are so close. A window outside the document is told by an arrow at that end.
 class OverviewStrip : public QWidget
 {
     Q_OBJECT
@@ -58,6 +59,7 @@ private:
     /// What a press at an x takes hold of.
     Grip gripAt(double x) const;
     void dragTo(double x);
+    qint64 meantAt(qint64 time) const;
     void dragEdgeTo(double x);
     void endDrag();
     void takeDragBack();

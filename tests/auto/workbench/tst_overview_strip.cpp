@@ -116,6 +116,28 @@ private Q_SLOTS:
         QCOMPARE(f.start(), length / 2 - length / 10);
     }
 
+    void inALongDocumentClicksAndDragsFindTheItemsBesideThem()
+    {
+        constexpr qint64 decades = 20'000 * day;
+        StripFixture f(decades);
+        f.add("A", "middle", decades / 2 + 7 * day, hour);
+        f.settle();
+        // A pixel is 20 days, and the window one.
+        f.press(501);
+        f.release(501);
+        QCOMPARE(f.start(), decades / 2 + 7 * day + hour - 12 * hour);
+        f.press(501);
+        f.move(650);
+        QCOMPARE(f.start() / day, decades / 2 / day + 7 + 149 * 20 - 1);
+        f.move(503);
+        QCOMPARE(f.start(), decades / 2 + 7 * day + hour - 12 * hour);
+        f.release(503);
+        // Nothing is near.
+        f.press(300);
+        f.release(300);
+        QCOMPARE(f.start(), decades / 10 * 3 - 12 * hour);
+    }
+
     void escapeTakesADragBack()
     {
         const StripFixture f;
