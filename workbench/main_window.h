@@ -106,6 +106,7 @@ private:
     void createEditMenu();
     void createNavigateMenu();
     void createViewMenu();
+    void goToPresent();
     void explainFit();
     void createHelpMenu();
     void addUndoActions(QMenu* menu);

@@ -8,6 +8,7 @@
 #include <VeskTimeline/timeline_widget.h>
 
 #include <QAction>
+#include <QDateTime>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -34,12 +35,21 @@ void MainWindow::createViewMenu()
     addSnapEntries(menu, m_viewSettings);
     menu->addSeparator();
     addLiveEntries(menu, m_viewSettings);
+    // The settings follow within the range of the view; whoever asks for it now may be years away.
+    for (const char* const name : {"live", "follow_live"})
+        connect(findChild<QAction*>(QString::fromLatin1(name)), &QAction::triggered, this, &MainWindow::goToPresent);
     menu->addSeparator();
     addRulerEntries(menu, m_viewSettings);
     menu->addSeparator();
     addThemeEntries(menu, m_theme);
     menu->addSeparator();
     menu->addAction(findChild<QAction*>(QStringLiteral("inspector")));
+}
+
+void MainWindow::goToPresent()
+{
+    if (m_viewSettings->isLive() && m_viewSettings->followsLive())
+        m_navigation->centreOn(QDateTime::currentMSecsSinceEpoch());
 }
 
 // The view zooms out to one day at the most, which is little of a document of years.

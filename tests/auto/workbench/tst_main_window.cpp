@@ -329,6 +329,28 @@ private Q_SLOTS:
         QCOMPARE(window.timeline()->currentTime(), sampleStart);
     }
 
+    void followingGoesToThePresentHoweverFarItIs()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(window.openFiles({sample}).isEmpty());
+        action(window, "live")->trigger();
+        QCOMPARE(window.navigation()->window().start, sampleStart);
+        action(window, "follow_live")->trigger();
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        const auto isShown = [&window](qint64 time) {
+            return window.navigation()->window().start <= time && time <= window.navigation()->window().end;
+        };
+        QVERIFY(isShown(now));
+        // A document that is opened later is shown from its start.
+        QVERIFY(window.openFiles({sample}).isEmpty());
+        QCOMPARE(window.navigation()->window().start, sampleStart);
+        action(window, "live")->trigger();
+        QCOMPARE(window.navigation()->window().start, sampleStart);
+        action(window, "live")->trigger();
+        QVERIFY(isShown(now));
+    }
+
     void theRulerShowsSecondsWhereThereIsRoom()
     {
         MainWindow window;
