@@ -173,15 +173,15 @@ void OverviewStrip::dragTo(double x)
     m_navigation->scrollCentreTo(meantAt(toTime(x - m_grab) + (window.end - window.start) / 2));
 }
 
-// Where a pixel stands for more than the window shows, nobody can point at an item so well that it is seen.
+// Where a pixel stands for many windows, nobody can point at an item so well that it is seen.
 qint64 OverviewStrip::meantAt(qint64 time) const
 {
+    constexpr int many = 4;
     constexpr double reach = 3;
-    const qint64 distance = toTime(reach) - toTime(0);
     const TimeSpan window = m_navigation->window();
-    if (distance < window.end - window.start)
+    if (toTime(1) - toTime(0) < many * (window.end - window.start))
         return time;
-    return m_navigation->closestToItems(time, distance).value_or(time);
+    return m_navigation->closestToItems(time, toTime(reach) - toTime(0)).value_or(time);
 }
 
 // The view has steps of zoom: the one that comes closest to where the edge is drawn, as a ratio.

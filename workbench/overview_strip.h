@@ -18,8 +18,8 @@ class Navigation;
 /// A click brings the window to its place; the frame can be dragged, and where it is wide enough its edges too, which
 /// zooms. The wheel scrolls and, with Control, zooms; a double click shows the start at the widest zoom. Keys: arrows
 /// scroll, Page Up and Page Down by a window, Home and End to the ends, plus and minus zoom, Escape takes a drag back.
-/// Where a few pixels stand for more than the window shows, as when decades lie between the items of a document, clicks
-/// and drags find the items that are so close. A window outside the document is told by an arrow at that end.
+/// Where a pixel stands for many windows, as when decades lie between the items of a document, clicks and drags find
+/// the items that are a few pixels away. A window outside the document is told by an arrow at that end.
 class OverviewStrip : public QWidget
 {
     Q_OBJECT
