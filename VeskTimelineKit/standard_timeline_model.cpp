@@ -34,6 +34,7 @@ void StandardTimelineModel::finishGesture()
 
 void StandardTimelineModel::clear()
 {
+    d->batch = {};
     d->gesture.finish();
     d->stack.clear();
     d->extents.clear();

@@ -86,10 +86,41 @@ void StandardTimelineModel::recordPasted(int firstNewId)
     }
 }
 
+// The first of the copies, up to one that the library has to deal with, as the library would add them.
+std::map<int, Items> StandardTimelineModel::takePasted(qint64 time)
+{
+    constexpr int wholeSecond = 1000;
+    const qint64 base = snapTime(time);
+    std::map<int, Items> pasted;
+    auto copy = m_clipboard.begin();
+    for (; copy != m_clipboard.end(); ++copy) {
+        auto* const labelled = dynamic_cast<LabelledItem*>(copy->get());
+        const Track* const target = ModelContents::findTrack(*this, (*copy)->parentTrackId());
+        if (!labelled || !target)
+            break;
+        labelled->setIds(nextFreeItemId(), target->id());
+        labelled->_setStartTime(base + labelled->startTime());
+        if (isSnapEnabled()) {
+            labelled->_setStartTime(labelled->startTime() - labelled->startTime() % wholeSecond);
+            labelled->_setDuration(labelled->duration() - labelled->duration() % wholeSecond);
+        }
+        settle(*labelled, *target);
+        pasted[target->id()].push_back(std::move(*copy));
+    }
+    m_clipboard.erase(m_clipboard.begin(), copy);
+    return pasted;
+}
+
 void StandardTimelineModel::pasteFromClipboard(qint64 time)
 {
     refuseOverlapsOfPaste(time);
     StepScope scope(*d, StepKind::Paste);
+    for (auto& [trackId, items] : takePasted(time)) {
+        Track::sort(items);
+        putNewItems(trackId, std::move(items));
+    }
+    if (m_clipboard.empty())
+        return;
     const int firstNewId = m_currentItemId;
     try {
         TimelineModel::pasteFromClipboard(time);

@@ -21,6 +21,7 @@ void StandardTimelineModel::setDocument(const Document& document)
 void StandardTimelineModel::setDocument(PreparedDocument&& document)
 {
     Q_ASSERT(document.m_tree);
+    d->batch = {};
     d->gesture.finish();
     d->stack.clear();
     const std::unique_ptr<ModelTree> tree = std::move(document.m_tree);

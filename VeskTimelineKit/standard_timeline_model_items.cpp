@@ -49,7 +49,8 @@ void StandardTimelineModel::putNewItems(int trackId, Items&& items)
 
 void StandardTimelineModel::removeItem(int itemId)
 {
-    item(itemId);
+    if (deferRemoval(*item(itemId)))
+        return;
     StepScope scope(*d, StepKind::Delete);
     scope.joinGesture();
     removeFromModel({itemId});
@@ -107,6 +108,9 @@ void StandardTimelineModel::setItemStartTime(Track& track, Item& item, qint64 ti
         TimelineModel::setItemStartTime(track, item, time);
         return;
     }
+    if (deferMove(item, {item.id(), track.id(), time, item.duration(),
+                         time == item.startTime() ? Side::WhereItIs : Side::Behind}))
+        return;
     StepScope scope(*d, StepKind::Move);
     scope.joinGesture();
     recordItem(item, [&] { d->contents.setTimes(item, time, item.duration()); });
@@ -153,6 +157,10 @@ void StandardTimelineModel::moveItemToTrack(int itemId, int trackId, qint64 time
     Item* const moved = item(itemId);
     const Track* const from = track(moved->parentTrackId());
     const Track* const to = track(trackId);
+    // As moveInOrder() would leave it.
+    const Side side = time > moved->startTime() ? Side::Before : Side::Behind;
+    if (deferMove(*moved, {itemId, trackId, time, moved->duration(), side}))
+        return;
     StepScope scope(*d, StepKind::Move);
     scope.joinGesture();
     dropCopies(*from, {itemId}, to);

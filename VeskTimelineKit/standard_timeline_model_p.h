@@ -2,6 +2,7 @@
 
 // Internal to the kit; not installed.
 
+#include "item_batch_p.h"
 #include "model_tree_p.h"
 #include "undo_gesture_p.h"
 #include "undo_step_p.h"
@@ -14,10 +15,13 @@
 
 namespace VeskTimeline::Kit {
 
+// Up to so many changes, making each at once is cheapest.
+constexpr int fewItems = 50;
+
 struct StandardTimelineModelPrivate
 {
-    StandardTimelineModelPrivate(StandardTimelineModel& model, TimelineView* modelView)
-        : contents(model), gesture(modelView), view(modelView)
+    StandardTimelineModelPrivate(StandardTimelineModel& itsModel, TimelineView* modelView)
+        : model(itsModel), contents(itsModel), gesture(modelView), view(modelView)
     {
     }
 
@@ -34,6 +38,7 @@ struct StandardTimelineModelPrivate
         step->dropLastIfNothing();
     }
 
+    StandardTimelineModel& model;
     ModelContents contents;
     UndoGesture gesture;
     QPointer<TimelineView> view;
@@ -44,6 +49,9 @@ struct StandardTimelineModelPrivate
     /// By track id, of tracks that have items; only those that are known.
     QHash<int, TrackExtent> extents; ///< by track id; those of changed tracks are missing
     bool isUnrecorded = false;
+    int batchDepth = 0;
+    bool isBatching = false;
+    ItemBatch batch;
 };
 
 /// What the tracks and items of a document that is added are called in the model.

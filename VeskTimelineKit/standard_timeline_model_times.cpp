@@ -6,13 +6,6 @@
 
 namespace VeskTimeline::Kit {
 
-namespace {
-
-// Up to so many, putting each into its track at once is cheapest.
-constexpr int fewItems = 50;
-
-} // namespace
-
 // Of an item that is no piece, the item itself. Goes once through each track that has pieces among them.
 QHash<int, QVector<int>> StandardTimelineModel::piecesOfEach(const QVector<int>& itemIds) const
 {
@@ -83,16 +76,30 @@ QVector<int> StandardTimelineModel::withoutFurtherPieces(const QVector<int>& ite
     return kept;
 }
 
-// @return false for what comes in pieces, or will
-bool StandardTimelineModel::retimeBar(const ItemTimes& times)
+// What neither comes in pieces nor will.
+bool StandardTimelineModel::isBar(const ItemTimes& times) const
 {
-    Item& retimed = *item(times.itemId);
-    const auto* const labelled = dynamic_cast<const LabelledItem*>(&retimed);
-    const qint64 length = std::max<qint64>(times.duration, DocumentItem::openEnded);
-    if (length > DocumentItem::longestBar || (labelled && labelled->piece().isPiece()))
-        return false;
-    recordItem(retimed, [&] { d->contents.setTimes(retimed, times.start, static_cast<int>(length)); });
-    return true;
+    const LabelledItem* const labelled = labelledItem(times.itemId);
+    return times.duration <= DocumentItem::longestBar && !(labelled && labelled->piece().isPiece());
+}
+
+void StandardTimelineModel::retimeBars(const QVector<ItemTimes>& times)
+{
+    QSet<int> trackIds;
+    std::vector<ItemTarget> targets;
+    for (const ItemTimes& one : times) {
+        Item& retimed = *item(one.itemId);
+        const auto length = static_cast<int>(std::max<qint64>(one.duration, DocumentItem::openEnded));
+        if (times.size() <= fewItems || !labelledItem(one.itemId)) {
+            recordItem(retimed, [&] { d->contents.setTimes(retimed, one.start, length); });
+        } else if (one.start != retimed.startTime() || length != retimed.duration()) {
+            const Side side = one.start == retimed.startTime() ? Side::WhereItIs : Side::Behind;
+            targets.push_back({one.itemId, retimed.parentTrackId(), one.start, length, side});
+            trackIds.insert(retimed.parentTrackId());
+        }
+    }
+    if (!targets.empty())
+        rearrange(trackIds, targets);
 }
 
 // @return the ids afterwards, by those that stood for them
@@ -155,14 +162,13 @@ QVector<int> StandardTimelineModel::retimeItems(const QVector<ItemTimes>& times)
     const QString resize = count == 1 ? tr("Resize item") : tr("Resize %n items", nullptr, count);
     const QString move = count == 1 ? tr("Move item") : tr("Move %n items", nullptr, count);
     StepScope scope(*d, StepKind::Other, isResized ? resize : move);
+    QVector<ItemTimes> bars;
     QVector<ItemTimes> wholes;
-    if (count > fewItems)
-        d->contents.beginMany();
     for (const ItemTimes& one : times) {
-        if (left.remove(one.itemId) && !retimeBar(one))
-            wholes.append(one);
+        if (left.remove(one.itemId))
+            (isBar(one) ? bars : wholes).append(one);
     }
-    d->contents.settle();
+    retimeBars(bars);
     const QHash<int, QVector<int>> newIds = retimeWholes(wholes);
     QVector<int> result;
     for (const int id : separate)

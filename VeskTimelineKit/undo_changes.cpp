@@ -1,6 +1,8 @@
 #include "background_disposal_p.h"
 #include "undo_changes_p.h"
 
+#include <algorithm>
+
 namespace VeskTimeline::Kit {
 
 Change::~Change() = default;
@@ -58,6 +60,34 @@ void TrackMove::swap(ModelContents& contents)
 {
     contents.moveTrack(m_trackId, m_other);
     std::swap(m_here, m_other);
+}
+
+void ItemsPlacement::swap(ModelContents& contents)
+{
+    std::vector<ItemPlace> here = contents.placeItems(m_trackIds, m_others);
+    m_trackIds.clear();
+    for (const ItemPlace& place : m_others)
+        m_trackIds.insert(place.trackId);
+    m_others = std::move(here);
+}
+
+QVector<int> ItemsPlacement::itemIds() const
+{
+    QVector<int> ids;
+    ids.reserve(static_cast<qsizetype>(m_others.size()));
+    for (const ItemPlace& place : m_others)
+        ids.append(place.itemId);
+    std::sort(ids.begin(), ids.end());
+    return ids;
+}
+
+bool ItemsPlacement::absorb(const Change& later)
+{
+    const auto* const other = dynamic_cast<const ItemsPlacement*>(&later);
+    if (!other || other->m_others.size() != m_others.size() || other->itemIds() != itemIds())
+        return false;
+    m_trackIds = other->m_trackIds;
+    return true;
 }
 
 void TrackDetailsChange::swap(ModelContents& contents)

@@ -19,6 +19,8 @@ public:
     virtual void swap(ModelContents& contents) = 0;
     /// The item whose state is all that this changes; -1 for other changes.
     virtual int changedItem() const { return -1; }
+    /// Takes over what has been changed right after this, when both concern the very same. @return false: it cannot
+    virtual bool absorb(const Change& /*later*/) { return false; }
     /// Whether the model would be the same on the other side.
     virtual bool isNothing(const ModelContents& /*contents*/) const { return false; }
 };
@@ -89,6 +91,27 @@ private:
     Positions m_positions;
     int m_otherTrackId;
     Positions m_otherPositions;
+};
+
+/// Many items that are elsewhere, or at other times, on the other side.
+class ItemsPlacement : public Change
+{
+public:
+    /// @param others as ModelContents::placeItems() takes them
+    ItemsPlacement(QSet<int> trackIds, std::vector<ItemPlace> others)
+        : m_trackIds(std::move(trackIds)), m_others(std::move(others))
+    {
+    }
+
+    void swap(ModelContents& contents) override;
+    /// A key that is held moves the same items again and again.
+    bool absorb(const Change& later) override;
+
+private:
+    QVector<int> itemIds() const;
+
+    QSet<int> m_trackIds; ///< where the items are
+    std::vector<ItemPlace> m_others;
 };
 
 /// A track, with all that is in it, that is there on one side only; while it is not, the change owns it.

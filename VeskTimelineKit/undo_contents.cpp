@@ -1,3 +1,4 @@
+#include "item_lists_p.h"
 #include "standard_timeline_model_p.h"
 #include "undo_contents_p.h"
 
@@ -34,35 +35,6 @@ void moveWithin(Items& items, int from, int to)
     else
         std::move(here + 1, there + 1, here);
     *there = std::move(moved);
-}
-
-void takeFrom(Items& items, const Positions& positions, Items& taken)
-{
-    Items kept;
-    kept.reserve(items.size());
-    auto next = positions.begin();
-    int position = 0;
-    for (ItemPtr& item : items) {
-        const bool isTaken = next != positions.end() && *next == position++;
-        (isTaken ? taken : kept).push_back(std::move(item));
-        if (isTaken)
-            ++next;
-    }
-    items = std::move(kept);
-}
-
-void putInto(Items& own, const Positions& positions, Items&& items)
-{
-    Items merged;
-    merged.reserve(own.size() + items.size());
-    std::size_t next = 0;
-    for (ItemPtr& item : own) {
-        while (next < items.size() && static_cast<std::size_t>(positions[next]) == merged.size())
-            merged.push_back(std::move(items[next++]));
-        merged.push_back(std::move(item));
-    }
-    std::move(items.begin() + static_cast<std::ptrdiff_t>(next), items.end(), std::back_inserter(merged));
-    own = std::move(merged);
 }
 
 } // namespace

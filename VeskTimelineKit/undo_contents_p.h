@@ -58,6 +58,44 @@ struct TrackPlace
 
 using Positions = std::vector<int>;
 
+/// Where an item stands, and when it is.
+struct ItemPlace
+{
+    int itemId = -1;
+    int trackId = 0;
+    int position = 0;
+    qint64 start = 0;
+    int duration = 0;
+
+    friend bool operator==(const ItemPlace& left, const ItemPlace& right)
+    {
+        return left.itemId == right.itemId && left.trackId == right.trackId && left.position == right.position &&
+               left.start == right.start && left.duration == right.duration;
+    }
+};
+
+/// On which side of the items that start at the same time an item comes to stand; Where it is: nothing but its
+/// duration changes.
+enum class Side { WhereItIs, Before, Behind };
+
+/// Where an item is to be, and when.
+struct ItemTarget
+{
+    int itemId = -1;
+    int trackId = 0;
+    qint64 start = 0;
+    int duration = 0;
+    Side side = Side::Behind;
+};
+
+/// What ModelContents::rearrange() has done.
+struct Rearranged
+{
+    std::vector<ItemPlace> former; ///< where all items were, by track and position
+    QSet<int> trackIds;            ///< where they are now
+    QVector<int> changed;          ///< ids of the items that are not as they were
+};
+
 /// Reads and changes what a model holds, keeping its caches in step, for the commands of its undo stack. Nothing is
 /// recorded here.
 ///
@@ -99,6 +137,18 @@ public:
     /// Takes items of this model's own kind from one track to another. @param positions there, as for both above
     void moveItems(int fromId, const Positions& fromPositions, int toId, const Positions& toPositions);
 
+    /// Does to many items of this model's own kind, each once, what setTimes() and moves to other tracks do one by one,
+    /// and goes through their tracks once. Items that come to stand on the same side of others follow each other as
+    /// they would one by one.
+    /// @param trackIds where the items are
+    /// @throws QString, with nothing changed, when an item is not there
+    Rearranged rearrange(const QSet<int>& trackIds, const std::vector<ItemTarget>& targets);
+    /// Puts items of this model's own kind where they stood among the others of their tracks, whose order is still the
+    /// same.
+    /// @param places by track and position; otherwise as rearrange()
+    /// @return where the items have been until now, likewise
+    std::vector<ItemPlace> placeItems(const QSet<int>& trackIds, const std::vector<ItemPlace>& places);
+
     TrackPlace placeOf(const Track& track) const;
     TrackPtr takeTrack(const TrackPlace& place);
     void putTrack(const TrackPlace& place, TrackPtr&& track);
@@ -120,6 +170,9 @@ public:
     void announce();
 
 private:
+    struct PlacedItem;
+    class Slots;
+
     ItemBlocks* blocksOf(int trackId) const;
     int positionIn(const Items& items, const Item& item) const;
     void putItem(int trackId, int position, ItemPtr&& item);
@@ -129,6 +182,14 @@ private:
     void noteAdded(const Items& items, const Track& track);
     void noteRemoved(int itemId);
     void touch(const Track& track);
+    template <typename Wanted>
+    std::vector<PlacedItem> findPlaced(const QSet<int>& trackIds, const std::vector<Wanted>& wanted) const;
+    template <typename Wanted>
+    QSet<int> tracksOf(const std::vector<Wanted>& wanted) const;
+    void mergeMoved(const std::vector<ItemTarget>& targets, Items&& moved);
+    QVector<int> changedOf(const std::vector<PlacedItem>& former) const;
+    void noteMoved(const QVector<int>& itemIds, const QSet<int>& trackIds);
+    static void settleAt(Item& item, const Track& track, qint64 start, int duration);
     void applyDetails(Item& item, const ItemDetails& details, const Track& track);
     void enterSubtree(Track& track);
     void leaveSubtree(Track& track);

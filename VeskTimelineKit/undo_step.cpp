@@ -73,6 +73,8 @@ void UndoStep::add(std::unique_ptr<Change> change)
         if (!m_changes.empty() && m_changes.back()->changedItem() == itemId)
             return;
     }
+    if (!m_changes.empty() && m_changes.back()->absorb(*change))
+        return;
     m_changes.push_back(std::move(change));
 }
 

@@ -5,8 +5,11 @@ namespace VeskTimeline::Kit {
 StepScope::StepScope(StandardTimelineModelPrivate& d, StepKind kind, const QString& text)
     : m_d(d), m_isOutermost(!d.step)
 {
-    if (m_isOutermost)
-        m_d.step = std::make_unique<UndoStep>(m_d.contents, kind, text);
+    if (!m_isOutermost)
+        return;
+    // What has been asked before comes first.
+    m_d.model.performBatch();
+    m_d.step = std::make_unique<UndoStep>(m_d.contents, kind, text);
 }
 
 StepScope::~StepScope()

@@ -245,6 +245,177 @@ private Q_SLOTS:
         }
     }
 
+    void announcedChangesComeOutAsSingleOnes_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 12; ++seed)
+            QTest::addRow("seed %u", seed) << seed;
+    }
+    void announcedChangesComeOutAsSingleOnes()
+    {
+        QFETCH(quint32, seed);
+        constexpr int count = 400;
+        QRandomGenerator random(seed);
+        Document document;
+        document.track({"A"}).color = Qt::red;
+        for (const QStringList& path : {QStringList{"A"}, {"A", "B"}, {"A", "B", "C"}, {"D"}}) {
+            for (int i = 0; i < count / 4; ++i)
+                document.track(path).items.push_back(
+                    {QString::number(i), random.bounded(20) * 10, 5, random.bounded(2) ? QColor() : QColor(Qt::blue)});
+        }
+        Model model;
+        Model plain;
+        for (Model* const one : {&model, &plain}) {
+            one->setDocument(document);
+            one->setCopyItemIds(1, {count / 4, count / 4 + 1, count / 2, count / 2 + 1});
+        }
+        QStringList states{stateOf(model)};
+        QSignalSpy changed(&model, &StandardTimelineModel::itemsChanged);
+        QSignalSpy removed(&model, &StandardTimelineModel::itemsRemoved);
+        for (int round = 0; round < 6; ++round) {
+            QVector<int> ids = plain.itemIds();
+            std::shuffle(ids.begin(), ids.end(), random);
+            ids.resize(ids.size() * 2 / 3);
+            QVERIFY(ids.size() > 52);
+            const int offset = (random.bounded(5) - 2) * 10;
+            const auto trackFor = [round](int id) { return 1 + (id + round) % 4; };
+            const auto offsetFor = [offset](int id) { return offset * (id % 3 - 1); };
+            // Single moves count items that others then put back in their place, too.
+            const bool isCountSure = std::none_of(ids.begin(), ids.end(), [&](int id) {
+                return round % 2 == 1 && offsetFor(id) == 0 && plain.item(id)->parentTrackId() == trackFor(id);
+            });
+            const auto act = [&](StandardTimelineModel& one, int id) {
+                const qint64 start = one.item(id)->startTime();
+                if (round == 5)
+                    one.removeItem(id);
+                else if (round % 2 == 0)
+                    one.setItemStartTime(id, start + offset);
+                else
+                    one.moveItemToTrack(id, trackFor(id), start + offsetFor(id));
+            };
+            for (Model* const one : {&model, &plain})
+                one->finishGesture();
+            const int steps = model.undoStack()->count();
+            changed.clear();
+            removed.clear();
+            model.beginItemChanges(static_cast<int>(ids.size()));
+            for (const int id : std::as_const(ids))
+                act(model, id);
+            QCOMPARE(stateOf(model), states.last());
+            QCOMPARE(changed.count() + removed.count(), 0);
+            model.endItemChanges();
+            for (const int id : std::as_const(ids))
+                act(plain, id);
+            QCOMPARE(stateOf(model), stateOf(plain));
+            QCOMPARE(model.undoStack()->count(), plain.undoStack()->count());
+            verifyConsistent(model);
+            if (model.undoStack()->count() == steps)
+                continue;
+            if (isCountSure)
+                QCOMPARE(model.undoStack()->undoText(), plain.undoStack()->undoText());
+            states.append(stateOf(model));
+            QCOMPARE(changed.count() + removed.count(), 1);
+        }
+        QVERIFY(states.size() > 4);
+        for (int turn = 0; turn < 2; ++turn) {
+            for (qsizetype i = states.size() - 2; i >= 0; --i) {
+                model.undoStack()->undo();
+                QCOMPARE(stateOf(model), states.at(i));
+                verifyConsistent(model);
+            }
+            for (qsizetype i = 1; i < states.size(); ++i) {
+                model.undoStack()->redo();
+                QCOMPARE(stateOf(model), states.at(i));
+                verifyConsistent(model);
+            }
+        }
+    }
+
+    void whatIsAskedAmongAnnouncedChangesIsDoneInItsTurn()
+    {
+        Document document;
+        for (int i = 0; i < 100; ++i)
+            document.track({"A"}).items.push_back({QString::number(i), i * 10, 5, {}});
+        document.track({"B"});
+        Model model;
+        Model plain;
+        const auto act = [](Model& one) {
+            for (int id = 0; id < 60; ++id)
+                one.setItemStartTime(id, 1000 - id);
+            one.setItemStartTime(3, 7);     // a second time
+            one.moveItemToTrack(4, 2, 900); // the same kind
+            one.setItemDuration(5, 77);     // another kind
+            one.removeItem(6);
+            one.addItem(2, {"new", 1, 1, {}});
+            one.removeItem(7);
+        };
+        for (Model* const one : {&model, &plain})
+            one->setDocument(document);
+        model.beginItemChanges(100);
+        model.beginItemChanges(2);
+        act(model);
+        model.endItemChanges();
+        QVERIFY_EXCEPTION_THROWN(model.removeItem(7), QString);
+        QVERIFY_EXCEPTION_THROWN(model.moveItemToTrack(8, 99, 0), QString);
+        model.endItemChanges();
+        act(plain);
+        QCOMPARE(stateOf(model), stateOf(plain));
+        QCOMPARE(texts(*model.undoStack()), texts(*plain.undoStack()));
+        // One too many does no harm.
+        model.endItemChanges();
+        model.removeItem(8);
+        QVERIFY(!model.hasItem(8));
+    }
+
+    void fewAnnouncedChangesAreMadeAtOnce()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.beginItemChanges(2);
+        model.removeItem(0);
+        QVERIFY(!model.hasItem(0));
+        model.setItemStartTime(1, 500);
+        QCOMPARE(model.item(1)->startTime(), 500);
+        model.endItemChanges();
+        QCOMPARE(model.undoStack()->count(), 2);
+    }
+
+    void anotherDocumentForgetsWhatWasPutOff()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        model.beginItemChanges(100);
+        model.removeItem(0);
+        model.setDocument(sampleDocument());
+        model.endItemChanges();
+        QVERIFY(model.hasItem(0));
+        QCOMPARE(model.undoStack()->count(), 0);
+    }
+
+    void aHeldKeyOnManyItemsIsTakenBackAtOnce()
+    {
+        Document document;
+        for (int i = 0; i < 100; ++i)
+            document.track({QString::number(i % 3)}).items.push_back({QString::number(i), i % 10, 5, {}});
+        Model model;
+        model.setDocument(document);
+        const QString before = stateOf(model);
+        // All that happens before the event loop is one gesture.
+        for (int repeat = 0; repeat < 5; ++repeat) {
+            model.beginItemChanges(60);
+            for (int id = 0; id < 60; ++id)
+                model.setItemStartTime(id, model.item(id)->startTime() + 3);
+            model.endItemChanges();
+        }
+        const QString after = stateOf(model);
+        QCOMPARE(texts(*model.undoStack()), QStringList{"Move 60 items"});
+        model.undoStack()->undo();
+        QCOMPARE(stateOf(model), before);
+        model.undoStack()->redo();
+        QCOMPARE(stateOf(model), after);
+        verifyConsistent(model);
+    }
+
     void aDocumentOfTracksThatAreThereIsAddedToThem()
     {
         Model model;
