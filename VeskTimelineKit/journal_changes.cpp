@@ -1,4 +1,5 @@
 #include "document_of_tracks_p.h"
+#include "id_table_p.h"
 #include "journal_changes_p.h"
 #include "undo_contents_p.h"
 
@@ -73,8 +74,7 @@ bool JournalChanges::isEmpty() const
 
 void JournalChanges::touchItems(const QVector<int>& itemIds)
 {
-    for (const int id : itemIds)
-        m_items.insert(id);
+    m_items.insert(itemIds);
     Q_EMIT touched();
 }
 
@@ -167,28 +167,27 @@ void JournalChanges::takeTracks(JournalDelta& delta)
 
 void JournalChanges::takeItems(JournalDelta& delta)
 {
-    std::map<int, QVector<int>> byTrack;
-    for (const int id : std::as_const(m_items)) {
+    const QVector<int> itemIds = m_items.ids();
+    const IdTable wanted(itemIds);
+    std::map<int, std::vector<qint64>> startsByTrack;
+    for (const int id : itemIds) {
         if (const Item* const item = ModelContents::findItem(*m_model, id))
-            byTrack[item->parentTrackId()].append(id);
+            startsByTrack[item->parentTrackId()].push_back(item->startTime());
         else
             delta.removedItems.append(id);
     }
-    std::sort(delta.removedItems.begin(), delta.removedItems.end());
-    delta.items.reserve(static_cast<std::size_t>(m_items.size() - delta.removedItems.size()));
-    for (const auto& [trackId, itemIds] : byTrack)
-        addTrackItems(*std::as_const(*m_model).track(trackId), itemIds, delta);
+    delta.items.reserve(static_cast<std::size_t>(itemIds.size() - delta.removedItems.size()));
+    for (auto& [trackId, starts] : startsByTrack)
+        addTrackItems(*std::as_const(*m_model).track(trackId), std::move(starts), wanted, delta);
 }
 
 // Looks at the items that start together with one of them, and at no others.
-void JournalChanges::addTrackItems(const Track& track, const QVector<int>& itemIds, JournalDelta& delta) const
+void JournalChanges::addTrackItems(const Track& track, std::vector<qint64> starts, const IdTable& wanted,
+                                   JournalDelta& delta)
 {
     const auto startsEarlier = [](const ItemPtr& item, qint64 time) { return item->startTime() < time; };
-    std::vector<qint64> starts;
-    starts.reserve(static_cast<std::size_t>(itemIds.size()));
-    for (const int id : itemIds)
-        starts.push_back(ModelContents::findItem(*m_model, id)->startTime());
-    std::sort(starts.begin(), starts.end());
+    if (!std::is_sorted(starts.begin(), starts.end()))
+        std::sort(starts.begin(), starts.end());
     starts.erase(std::unique(starts.begin(), starts.end()), starts.end());
 
     const Items& items = track.items();
@@ -198,7 +197,7 @@ void JournalChanges::addTrackItems(const Track& track, const QVector<int>& itemI
         if (item != items.end() && (*item)->startTime() < start)
             item = std::lower_bound(item, items.end(), start, startsEarlier);
         for (; item != items.end() && (*item)->startTime() == start; ++item) {
-            if (m_items.contains((*item)->id()))
+            if (wanted.contains((*item)->id()))
                 delta.items.push_back(journalItem(**item, track.id(), static_cast<int>(item - items.begin())));
         }
     }

@@ -2,6 +2,7 @@
 
 // Internal to the kit; not installed.
 
+#include "id_set_p.h"
 #include "journal_records_p.h"
 
 #include <QHash>
@@ -17,6 +18,7 @@ class Track;
 
 namespace VeskTimeline::Kit {
 
+class IdTable;
 class StandardTimelineModel;
 
 /// Remembers what has been changed in a model, by its signals, and says on request what has become of it. It costs as
@@ -65,11 +67,12 @@ private:
     JournalTrack placed(const Track& track) const;
     void takeTracks(JournalDelta& delta);
     void takeItems(JournalDelta& delta);
-    void addTrackItems(const Track& track, const QVector<int>& itemIds, JournalDelta& delta) const;
+    static void addTrackItems(const Track& track, std::vector<qint64> starts, const IdTable& wanted,
+                              JournalDelta& delta);
     void addSubtree(const Track& track, int row, JournalDelta& delta) const;
 
     QPointer<StandardTimelineModel> m_model;
-    QSet<int> m_items;
+    IdSet m_items;
     QSet<int> m_places;  ///< tracks that have been inserted, removed or moved
     QSet<int> m_details; ///< tracks that may say something else now
     QHash<int, Known> m_known;

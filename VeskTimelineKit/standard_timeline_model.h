@@ -225,6 +225,7 @@ private:
     void renumberSubtree(Track& added, const NewNumbers& numbers);
     static const Track* childNamed(const Track& parent, const QString& name);
 
+    void performBatchBefore(StepKind kind, int itemId);
     bool defer(StepKind kind, const Item& item);
     bool deferRemoval(const Item& item);
     bool deferMove(const Item& item, const ItemTarget& target);
@@ -240,6 +241,7 @@ private:
     QHash<int, QVector<int>> retimeWholes(const QVector<ItemTimes>& times);
     QVector<int> piecesOf(int itemId) const { return piecesOfEach({itemId}).value(itemId); }
     QHash<int, QVector<int>> piecesOfEach(const QVector<int>& itemIds) const;
+    bool arePieces(const QVector<int>& itemIds) const;
     QVector<int> withAllPieces(const QVector<int>& itemIds) const;
     ItemTimes timesOf(int itemId, const QVector<int>& pieces) const;
     template <typename Take>

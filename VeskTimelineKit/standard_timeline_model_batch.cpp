@@ -16,14 +16,18 @@ void StandardTimelineModel::endItemChanges()
     performBatch();
 }
 
+// What is asked of an item may depend on what has been asked of it before.
+void StandardTimelineModel::performBatchBefore(StepKind kind, int itemId)
+{
+    if (d->isBatching && (d->batch.kind != kind || d->batch.itemIds.contains(itemId)))
+        performBatch();
+}
+
 // @return false: it has to be done at once
 bool StandardTimelineModel::defer(StepKind kind, const Item& item)
 {
     if (!d->isBatching || d->isUnrecorded || d->step || !dynamic_cast<const LabelledItem*>(&item))
         return false;
-    // What is asked next may depend on what has been asked before.
-    if (d->batch.kind != kind || d->batch.itemIds.contains(item.id()))
-        performBatch();
     d->batch.kind = kind;
     d->batch.itemIds.insert(item.id());
     return true;

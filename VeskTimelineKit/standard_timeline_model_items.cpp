@@ -1,6 +1,8 @@
+#include "id_table_p.h"
 #include "standard_timeline_model_p.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace VeskTimeline::Kit {
 
@@ -23,10 +25,19 @@ std::vector<int> StandardTimelineModel::positionsBehind(const Items& own, const 
 {
     std::vector<int> positions;
     positions.reserve(items.size());
+    const auto startsLater = [](qint64 time, const ItemPtr& other) { return time < other->startTime(); };
+    // Where many come in, the place of each is soon after that of the one before.
+    constexpr std::size_t few = 16;
+    const bool isSearched = items.size() * few < own.size();
+    auto behind = own.begin();
+    qint64 last = std::numeric_limits<qint64>::min();
     for (const Item* const item : items) {
-        const auto behind =
-            std::upper_bound(own.begin(), own.end(), item->startTime(),
-                             [](qint64 time, const ItemPtr& other) { return time < other->startTime(); });
+        const qint64 start = item->startTime();
+        if (isSearched || start < last)
+            behind = std::upper_bound(own.begin(), own.end(), start, startsLater);
+        else
+            behind = std::find_if(behind, own.end(), [&](const ItemPtr& other) { return startsLater(start, other); });
+        last = start;
         positions.push_back(static_cast<int>(behind - own.begin()) + static_cast<int>(positions.size()));
     }
     return positions;
@@ -49,6 +60,7 @@ void StandardTimelineModel::putNewItems(int trackId, Items&& items)
 
 void StandardTimelineModel::removeItem(int itemId)
 {
+    performBatchBefore(StepKind::Delete, itemId);
     if (deferRemoval(*item(itemId)))
         return;
     StepScope scope(*d, StepKind::Delete);
@@ -69,9 +81,9 @@ std::vector<int> StandardTimelineModel::positionsOf(int trackId, const QVector<i
 {
     if (itemIds.size() == 1)
         return {d->contents.positionOf(*item(itemIds.first()))};
-    const QSet<int> wanted(itemIds.begin(), itemIds.end());
+    const IdTable wanted(itemIds);
     std::vector<int> positions;
-    positions.reserve(static_cast<std::size_t>(wanted.size()));
+    positions.reserve(static_cast<std::size_t>(itemIds.size()));
     int position = 0;
     for (const ItemPtr& own : track(trackId)->items()) {
         if (wanted.contains(own->id()))
@@ -104,6 +116,7 @@ void StandardTimelineModel::setItemStartTime(Track& track, Item& item, qint64 ti
         d->contents.setStartInOrder(track, item, time);
         return;
     }
+    performBatchBefore(StepKind::Move, item.id());
     if (!isRecorded(track, item)) {
         TimelineModel::setItemStartTime(track, item, time);
         return;
@@ -154,6 +167,7 @@ void StandardTimelineModel::moveUnrecorded(int itemId, int trackId, qint64 time)
 
 void StandardTimelineModel::moveItemToTrack(int itemId, int trackId, qint64 time)
 {
+    performBatchBefore(StepKind::Move, itemId);
     Item* const moved = item(itemId);
     const Track* const from = track(moved->parentTrackId());
     const Track* const to = track(trackId);

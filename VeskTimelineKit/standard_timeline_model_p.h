@@ -11,6 +11,7 @@
 
 #include <QUndoStack>
 
+#include <algorithm>
 #include <map>
 
 namespace VeskTimeline::Kit {
@@ -83,7 +84,11 @@ private:
 inline std::map<int, QVector<int>> itemsByTrack(const TimelineModel& model, const QVector<int>& itemIds)
 {
     std::map<int, QVector<int>> groups;
-    for (const int id : QSet<int>(itemIds.begin(), itemIds.end()))
+    // In their order, in which look-ups are much faster.
+    QVector<int> ascending = itemIds;
+    std::sort(ascending.begin(), ascending.end());
+    ascending.erase(std::unique(ascending.begin(), ascending.end()), ascending.end());
+    for (const int id : std::as_const(ascending))
         groups[model.item(id)->parentTrackId()].append(id);
     return groups;
 }

@@ -33,8 +33,18 @@ QHash<int, QVector<int>> StandardTimelineModel::piecesOfEach(const QVector<int>&
     return pieces;
 }
 
+bool StandardTimelineModel::arePieces(const QVector<int>& itemIds) const
+{
+    return std::any_of(itemIds.begin(), itemIds.end(), [this](int id) {
+        const LabelledItem* const labelled = labelledItem(id);
+        return labelled && labelled->piece().isPiece();
+    });
+}
+
 QVector<int> StandardTimelineModel::withAllPieces(const QVector<int>& itemIds) const
 {
+    if (!arePieces(itemIds))
+        return itemIds;
     const QHash<int, QVector<int>> pieces = piecesOfEach(itemIds);
     QVector<int> all;
     all.reserve(itemIds.size());
@@ -61,7 +71,9 @@ ItemTimes StandardTimelineModel::itemTimes(int itemId) const
 QVector<int> StandardTimelineModel::withoutFurtherPieces(const QVector<int>& itemIds) const
 {
     QVector<int> kept;
+    kept.reserve(itemIds.size());
     QSet<int> known;
+    known.reserve(itemIds.size());
     QSet<int> wholes;
     for (const int id : itemIds) {
         const LabelledItem* const labelled = labelledItem(id);
@@ -150,10 +162,13 @@ QVector<int> StandardTimelineModel::retimeItems(const QVector<ItemTimes>& times)
     QVector<int> ids;
     for (const ItemTimes& one : times)
         ids.append(one.itemId);
-    const QHash<int, QVector<int>> pieces = piecesOfEach(ids);
+    const bool hasPieces = arePieces(ids);
+    const QHash<int, QVector<int>> pieces = hasPieces ? piecesOfEach(ids) : QHash<int, QVector<int>>();
     const bool isResized = std::any_of(times.begin(), times.end(), [&](const ItemTimes& one) {
         const qint64 length = std::max<qint64>(one.duration, DocumentItem::openEnded);
-        return timesOf(one.itemId, pieces.value(one.itemId)).duration != length;
+        const qint64 before =
+            hasPieces ? timesOf(one.itemId, pieces.value(one.itemId)).duration : item(one.itemId)->duration();
+        return before != length;
     });
     const QVector<int> separate = withoutFurtherPieces(ids);
     QSet<int> left(separate.begin(), separate.end());
@@ -169,6 +184,8 @@ QVector<int> StandardTimelineModel::retimeItems(const QVector<ItemTimes>& times)
             (isBar(one) ? bars : wholes).append(one);
     }
     retimeBars(bars);
+    if (wholes.isEmpty())
+        return separate;
     const QHash<int, QVector<int>> newIds = retimeWholes(wholes);
     QVector<int> result;
     for (const int id : separate)

@@ -19,6 +19,7 @@ public:
     virtual void swap(ModelContents& contents) = 0;
     /// The item whose state is all that this changes; -1 for other changes.
     virtual int changedItem() const { return -1; }
+    virtual bool isOfOneItem() const { return changedItem() != -1; }
     /// Takes over what has been changed right after this, when both concern the very same. @return false: it cannot
     virtual bool absorb(const Change& /*later*/) { return false; }
     /// Whether the model would be the same on the other side.
@@ -64,6 +65,7 @@ public:
     ~ItemsChange() override;
 
     void swap(ModelContents& contents) override;
+    bool isOfOneItem() const override { return m_positions.size() == 1; }
 
 private:
     int m_trackId;

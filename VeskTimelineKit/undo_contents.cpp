@@ -243,10 +243,7 @@ Items ModelContents::takeItems(int trackId, const Positions& positions)
     } else {
         takeFrom(track.items(), positions, taken);
     }
-    for (const ItemPtr& item : taken) {
-        m_model.m_itemCache.erase(item->id());
-        noteRemoved(item->id());
-    }
+    noteRemoved(taken);
     touch(track);
     return taken;
 }
@@ -296,10 +293,7 @@ void ModelContents::leaveSubtree(Track& track)
 {
     for (const TrackPtr& child : track.tracks())
         leaveSubtree(*child);
-    for (const ItemPtr& item : track.items()) {
-        m_model.m_itemCache.erase(item->id());
-        noteRemoved(item->id());
-    }
+    noteRemoved(track.items());
     m_model.m_trackCache.erase(track.id());
 }
 
@@ -418,10 +412,25 @@ void ModelContents::noteAdded(const Items& items, const Track& track)
     touch(track);
 }
 
+// Most are beside the one before.
+void ModelContents::noteRemoved(const Items& items)
+{
+    auto& cache = m_model.m_itemCache;
+    auto next = cache.end();
+    for (const ItemPtr& item : items) {
+        if (next == cache.end() || next->first != item->id())
+            next = cache.find(item->id());
+        if (next != cache.end())
+            next = cache.erase(next);
+        noteRemoved(item->id());
+    }
+}
+
 void ModelContents::noteRemoved(int itemId)
 {
-    m_changed.remove(itemId);
-    if (!m_added.remove(itemId))
+    if (!m_changed.isEmpty())
+        m_changed.remove(itemId);
+    if (m_added.isEmpty() || !m_added.remove(itemId))
         m_removed.insert(itemId);
 }
 
@@ -448,9 +457,9 @@ void ModelContents::touch(const Track& track)
 void ModelContents::announce()
 {
     settle();
-    const QVector<int> removed = sorted(std::exchange(m_removed, {}));
-    const QVector<int> added = sorted(std::exchange(m_added, {}));
-    const QVector<int> changed = sorted(std::exchange(m_changed, {}));
+    const QVector<int> removed = std::exchange(m_removed, {}).ids();
+    const QVector<int> added = std::exchange(m_added, {}).ids();
+    const QVector<int> changed = std::exchange(m_changed, {}).ids();
     const QVector<int> touched = sorted(std::exchange(m_touchedTracks, {}));
     if (!removed.isEmpty())
         Q_EMIT m_model.itemsRemoved(removed);

@@ -2,6 +2,7 @@
 
 // Internal to the kit; not installed.
 
+#include "id_set_p.h"
 #include "standard_timeline_model_track_p.h"
 #include "undo_item_blocks_p.h"
 
@@ -171,7 +172,6 @@ public:
 
 private:
     struct PlacedItem;
-    class Slots;
 
     ItemBlocks* blocksOf(int trackId) const;
     int positionIn(const Items& items, const Item& item) const;
@@ -181,6 +181,8 @@ private:
     /// Enters items into the look-up, too. @param items at least one
     void noteAdded(const Items& items, const Track& track);
     void noteRemoved(int itemId);
+    /// Takes items out of the look-up, too.
+    void noteRemoved(const Items& items);
     void touch(const Track& track);
     template <typename Wanted>
     std::vector<PlacedItem> findPlaced(const QSet<int>& trackIds, const std::vector<Wanted>& wanted) const;
@@ -200,9 +202,9 @@ private:
     mutable std::map<int, ItemBlocks> m_blocks;
     /// Where an item was found last: the next one that is looked for is mostly beside it.
     mutable int m_lastPosition = 0;
-    QSet<int> m_added;
-    QSet<int> m_removed;
-    QSet<int> m_changed;
+    IdSet m_added;
+    IdSet m_removed;
+    IdSet m_changed;
     QSet<int> m_touchedTracks;
 };
 

@@ -1,5 +1,6 @@
 // Changes of many items at once: what would be a step through a list for each is one pass through the lists for all.
 
+#include "id_table_p.h"
 #include "item_lists_p.h"
 #include "standard_timeline_model_p.h"
 #include "undo_contents_p.h"
@@ -32,40 +33,25 @@ struct ModelContents::PlacedItem
     Item* item = nullptr;
 };
 
-/// Where ids are in a list. A table, since each item of whole tracks is asked for.
-class ModelContents::Slots
+namespace {
+
+template <typename Wanted>
+IdTable slotsOf(const std::vector<Wanted>& wanted)
 {
-public:
-    template <typename Wanted>
-    explicit Slots(const std::vector<Wanted>& wanted)
-    {
-        if (wanted.empty())
-            return;
-        const auto byId = [](const Wanted& left, const Wanted& right) { return left.itemId < right.itemId; };
-        const auto [least, greatest] = std::minmax_element(wanted.begin(), wanted.end(), byId);
-        m_first = least->itemId;
-        m_slots.assign(static_cast<std::size_t>(greatest->itemId - m_first) + 1, -1);
-        for (std::size_t i = 0; i < wanted.size(); ++i)
-            m_slots[static_cast<std::size_t>(wanted[i].itemId - m_first)] = static_cast<int>(i);
-    }
+    QVector<int> ids;
+    ids.reserve(static_cast<qsizetype>(wanted.size()));
+    for (const Wanted& one : wanted)
+        ids.append(one.itemId);
+    return IdTable(ids);
+}
 
-    /// -1 for an id that is not in the list.
-    int of(int itemId) const
-    {
-        const auto at = static_cast<std::size_t>(static_cast<qint64>(itemId) - m_first);
-        return at < m_slots.size() ? m_slots[at] : -1;
-    }
-
-private:
-    int m_first = 0;
-    std::vector<int> m_slots;
-};
+} // namespace
 
 template <typename Wanted>
 std::vector<ModelContents::PlacedItem> ModelContents::findPlaced(const QSet<int>& trackIds,
                                                                  const std::vector<Wanted>& wanted) const
 {
-    const Slots slots(wanted);
+    const IdTable slots = slotsOf(wanted);
     std::vector<int> ordered(trackIds.begin(), trackIds.end());
     std::sort(ordered.begin(), ordered.end());
     std::vector<PlacedItem> found;
@@ -73,7 +59,7 @@ std::vector<ModelContents::PlacedItem> ModelContents::findPlaced(const QSet<int>
     for (const int trackId : ordered) {
         int position = 0;
         for (const ItemPtr& item : m_model.track(trackId)->items()) {
-            if (slots.of(item->id()) != -1)
+            if (slots.contains(item->id()))
                 found.push_back({{item->id(), trackId, position, item->startTime(), item->duration()}, item.get()});
             ++position;
         }
@@ -109,7 +95,7 @@ QVector<int> ModelContents::changedOf(const std::vector<PlacedItem>& former) con
     if (unsure.empty())
         return changed;
     const std::vector<PlacedItem> now = findPlaced(trackIds, unsure);
-    const Slots slots(unsure);
+    const IdTable slots = slotsOf(unsure);
     for (const PlacedItem& placed : now) {
         const auto slot = static_cast<std::size_t>(slots.of(placed.place.itemId));
         if (!(placed.place == unsure[slot]))
@@ -120,9 +106,8 @@ QVector<int> ModelContents::changedOf(const std::vector<PlacedItem>& former) con
 
 void ModelContents::noteMoved(const QVector<int>& itemIds, const QSet<int>& trackIds)
 {
-    m_changed.reserve(m_changed.size() + itemIds.size());
     for (const int id : itemIds) {
-        if (!m_added.contains(id))
+        if (m_added.isEmpty() || !m_added.contains(id))
             m_changed.insert(id);
     }
     for (const int trackId : trackIds)
@@ -146,7 +131,7 @@ Rearranged ModelContents::rearrange(const QSet<int>& trackIds, const std::vector
     settle();
     const QSet<int> targetIds = tracksOf(targets);
     const std::vector<PlacedItem> former = findPlaced(trackIds, targets);
-    const Slots slots(targets);
+    const IdTable slots = slotsOf(targets);
     Items moved(targets.size());
     const auto slotOf = [&slots](const PlacedItem& placed) {
         return static_cast<std::size_t>(slots.of(placed.place.itemId));
@@ -225,7 +210,7 @@ std::vector<ItemPlace> ModelContents::placeItems(const QSet<int>& trackIds, cons
     settle();
     const QSet<int> touched = tracksOf(places) + trackIds;
     const std::vector<PlacedItem> former = findPlaced(trackIds, places);
-    const Slots slots(places);
+    const IdTable slots = slotsOf(places);
     Items moved(places.size());
     forEachTrack(
         former, [](const PlacedItem& placed) { return placed.place.trackId; },

@@ -4,6 +4,8 @@
 #include <HoxLogger/ihox_logger.h>
 #include <HoxLogger/log_stream_helper.h>
 
+#include <algorithm>
+
 namespace VeskTimeline::Kit {
 
 namespace {
@@ -95,7 +97,7 @@ void UndoStep::updateText()
     if (m_kind == StepKind::Other)
         return;
     const StepTexts texts = textsOf(m_kind);
-    const int count = static_cast<int>(m_itemIds.size());
+    const int count = m_itemIds.size();
     setText(count == 1 ? Tr::tr(texts.one) : Tr::tr(texts.many, nullptr, count));
 }
 
@@ -103,7 +105,7 @@ bool UndoStep::continues(const UndoStep& later) const
 {
     if (later.m_gesture != m_gesture)
         return false;
-    const bool isSameItem = m_itemIds.size() == 1 && later.m_itemIds == m_itemIds;
+    const bool isSameItem = m_itemIds.size() == 1 && later.m_itemIds.ids() == m_itemIds.ids();
     // Pulling at the start of an item moves the start and keeps the end.
     if (m_kind == StepKind::Resize && later.m_kind == StepKind::Move)
         return isSameItem;
@@ -121,7 +123,7 @@ bool UndoStep::mergeWith(const QUndoCommand* later)
     // Behind several changes the model is no longer where the last but one has led to.
     if (step.m_changes.size() == 1)
         dropLastIfNothing();
-    m_itemIds.unite(step.m_itemIds);
+    m_itemIds.insert(step.m_itemIds.ids());
     updateText();
     setObsolete(m_changes.empty());
     return true;
@@ -152,9 +154,10 @@ void UndoStep::guarded(const Body& body)
 
 void UndoStep::beginIfMany()
 {
-    // Below, going through whole tracks for it costs more than it saves.
-    constexpr std::size_t many = 50;
-    if (m_changes.size() >= many)
+    // Below, going through whole tracks for it costs more than it saves; so it does for changes of many items each.
+    constexpr std::ptrdiff_t many = 50;
+    const auto isOfOneItem = [](const std::unique_ptr<Change>& change) { return change->isOfOneItem(); };
+    if (std::count_if(m_changes.begin(), m_changes.end(), isOfOneItem) >= many)
         m_contents.beginMany();
 }
 

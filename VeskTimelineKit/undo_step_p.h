@@ -61,7 +61,7 @@ private:
     ModelContents& m_contents;
     StepKind m_kind;
     std::vector<std::unique_ptr<Change>> m_changes;
-    QSet<int> m_itemIds;
+    IdSet m_itemIds;
     int m_gesture = 0;
     bool m_isHeld = false;
     bool m_isDone = true;

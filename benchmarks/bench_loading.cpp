@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUndoStack>
 
 #include <workbench/file_session.h>
 #include <workbench/main_window.h>
@@ -39,6 +40,7 @@ private Q_SLOTS:
     {
         StandardTimelineModel model;
         DocumentLoader loader;
+        DocumentLoader adder;
         DocumentSnapshot snapshot(&model);
         DocumentSaver saver;
         connect(&loader, &DocumentLoader::loaded, this, [&](const auto& loaded) {
@@ -53,7 +55,20 @@ private Q_SLOTS:
         });
         measure("model: read", &loader, &DocumentLoader::loaded, [&] { loader.start({{file()}}); });
         measure("model: read and replace", &loader, &DocumentLoader::loaded, [&] { loader.start({{file()}}); });
+        connect(&adder, &DocumentLoader::loaded, this, [&](const auto& loaded) {
+            QElapsedTimer time;
+            time.start();
+            model.addDocument(std::move(loaded->prepared));
+            const qint64 added = time.restart();
+            model.undoStack()->undo();
+            const qint64 undone = time.restart();
+            model.undoStack()->redo();
+            qInfo("  addDocument %lld ms, undo %lld ms, redo %lld ms", added, undone, time.elapsed());
+        });
         measure("model: snapshot and write", &saver, &DocumentSaver::saved, [&] { snapshot.start(); });
+        measure("model: add to the same tracks", &adder, &DocumentLoader::loaded, [&] { adder.start({{file()}}); });
+        model.setDocument(Document());
+        measure("model: add as new tracks", &adder, &DocumentLoader::loaded, [&] { adder.start({{file()}}); });
     }
 
     void window()
