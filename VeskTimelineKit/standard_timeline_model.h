@@ -178,6 +178,7 @@ public:
     /// @param count about how many calls; few are made at once
     virtual void beginItemChanges(int count);
     /// Makes the changes that have been put off.
+    /// @throws QString, with nothing changed, when items have gone behind the model's back meanwhile
     virtual void endItemChanges();
 
     /// Not for pieces of a long item nor against the overlap policy. Other items of the view's selection do not count,

@@ -96,6 +96,39 @@ class TestItemCommands : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(unexpectedWarning); }
 
+    void movingALargeSelectionIsOneStepAndToldOnce()
+    {
+        Scene scene;
+        std::vector<DocumentItem> items;
+        for (int i = 0; i < 60; ++i)
+            items.push_back({QString::number(i), base + i * 1000, 500, {}});
+        const QVector<int> ids = scene.model.addItems(3, items);
+        scene.view.selectItems(ids, true);
+        QSignalSpy changed(&scene.model, &StandardTimelineModel::itemsChanged);
+        const qint64 step = scene.model.snapStep();
+        const int steps = scene.model.undoStack()->count();
+
+        QTest::keyClick(&scene.view, Qt::Key_Right);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().first().value<QVector<int>>(), ids);
+        QCOMPARE(scene.model.item(ids.last())->startTime(), base + 59'000 + 10 * step);
+        QCOMPARE(scene.model.undoStack()->undoText(), "Move 60 items");
+        QTest::keyClick(&scene.view, Qt::Key_Left);
+        QCOMPARE(changed.count(), 2);
+        QCOMPARE(scene.model.item(ids.first())->startTime(), base);
+        QCOMPARE(scene.model.undoStack()->count(), steps + 2);
+
+        scene.view.selectItem(2, false);
+        const QPoint pressed = scene.at(2, base + 30 * minute);
+        Input::drag(&scene.view, pressed, pressed + QPoint(60, 0));
+        QCOMPARE(changed.count(), 3);
+        QCOMPARE(changed.last().first().value<QVector<int>>(), QVector<int>{2} + ids);
+        const qint64 offset = scene.model.item(2)->startTime() - base;
+        QVERIFY(offset > 0);
+        QCOMPARE(scene.model.item(ids.last())->startTime(), base + 59'000 + offset);
+        QCOMPARE(scene.model.undoStack()->undoText(), "Move 61 items");
+    }
+
     void commandsNeedASelection()
     {
         Scene scene;
