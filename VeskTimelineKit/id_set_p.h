@@ -15,6 +15,21 @@ namespace VeskTimeline::Kit {
 /// to the first. Runs are kept as lists, which cost a fraction of a hash, into which goes only what falls inside one.
 class IdSet
 {
+    using Runs = std::map<int, QVector<int>>; ///< by their first ids; each ends before the next one begins
+
+    /// The last one that begins at the id or before; end() when there is none.
+    template <typename AnyRuns>
+    static auto runOf(AnyRuns& runs, int id)
+    {
+        const auto behind = runs.upper_bound(id);
+        return behind == runs.begin() ? runs.end() : std::prev(behind);
+    }
+    bool isBeforeNext(Runs::const_iterator run, int id) const
+    {
+        const auto next = std::next(run);
+        return next == m_runs.end() || id < next->first;
+    }
+
 public:
     IdSet() = default;
     IdSet(const IdSet&) = delete;
@@ -97,21 +112,6 @@ public:
     }
 
 private:
-    using Runs = std::map<int, QVector<int>>; ///< by their first ids; each ends before the next one begins
-
-    /// The last one that begins at the id or before; end() when there is none.
-    template <typename AnyRuns>
-    static auto runOf(AnyRuns& runs, int id)
-    {
-        const auto behind = runs.upper_bound(id);
-        return behind == runs.begin() ? runs.end() : std::prev(behind);
-    }
-    bool isBeforeNext(Runs::const_iterator run, int id) const
-    {
-        const auto next = std::next(run);
-        return next == m_runs.end() || id < next->first;
-    }
-
     Runs m_runs;
     Runs::iterator m_latest; ///< while there is one
     QSet<int> m_others;
