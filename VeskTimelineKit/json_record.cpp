@@ -41,10 +41,19 @@ error_code JsonRecordParser::tryParse(QByteArray& text, dom::element& element)
 
 QString jsonValueText(const dom::element& element)
 {
+    return QString::fromStdString(jsonValueUtf8(element));
+}
+
+std::string jsonValueUtf8(const dom::element& element)
+{
     std::string_view text;
     if (element.get(text) == SUCCESS)
-        return jsonText(text);
-    return QString::fromStdString(minify(element));
+        return std::string(text);
+    // Most are whole numbers, which need no formatter.
+    std::int64_t number = 0;
+    if (element.type() == dom::element_type::INT64 && element.get(number) == SUCCESS)
+        return std::to_string(number);
+    return minify(element);
 }
 
 std::optional<double> jsonNumber(const dom::element& element)

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <simdjson.h>
+#include <string>
 
 namespace VeskTimeline::Kit {
 
@@ -38,6 +39,8 @@ inline QString jsonText(std::string_view text)
 
 /// Strings as they are, everything else as compact JSON.
 QString jsonValueText(const simdjson::dom::element& element);
+/// The same as UTF-8.
+std::string jsonValueUtf8(const simdjson::dom::element& element);
 /// Nothing for anything but a number.
 std::optional<double> jsonNumber(const simdjson::dom::element& element);
 

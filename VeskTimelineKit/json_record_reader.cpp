@@ -2,6 +2,7 @@
 #include "kit_tr_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace VeskTimeline::Kit {
@@ -22,6 +23,71 @@ bool isBlank(int c)
 bool endsScalar(int c)
 {
     return c == endOfText || isBlank(c) || std::strchr(",:[]{}\"", c) != nullptr;
+}
+
+// What a character means for where an object ends.
+enum class Meaning : unsigned char { None, Quote, Opening, Closing, LineFeed };
+
+constexpr std::array<Meaning, 256> meanings = [] {
+    std::array<Meaning, 256> result{};
+    result['"'] = Meaning::Quote;
+    result['{'] = result['['] = Meaning::Opening;
+    result['}'] = result[']'] = Meaning::Closing;
+    result['\n'] = Meaning::LineFeed;
+    return result;
+}();
+
+struct ObjectEnd
+{
+    const char* at = nullptr; ///< behind the bracket that closes it; null: not found
+    int lineFeeds = 0;
+};
+
+// Of the string behind a quote: behind the quote that closes it; null when it does not end.
+const char* endOfString(const char* at, const char* end, int& lineFeeds)
+{
+    for (; at != end; ++at) {
+        if (*at == '"')
+            return at + 1;
+        if (*at == '\\' && ++at == end)
+            return nullptr;
+        lineFeeds += *at == '\n' ? 1 : 0;
+    }
+    return nullptr;
+}
+
+// Not found either where brackets do not match, or are nested deeper than most.
+ObjectEnd endOfObject(const char* at, const char* end)
+{
+    std::array<char, 64> closers{};
+    std::size_t depth = 0;
+    ObjectEnd found;
+    while (at && at != end) {
+        const char c = *at++;
+        switch (meanings[static_cast<unsigned char>(c)]) {
+        case Meaning::None:
+            break;
+        case Meaning::LineFeed:
+            ++found.lineFeeds;
+            break;
+        case Meaning::Quote:
+            at = endOfString(at, end, found.lineFeeds);
+            break;
+        case Meaning::Opening:
+            if (depth == closers.size())
+                return {};
+            closers[depth++] = c == '{' ? '}' : ']';
+            break;
+        case Meaning::Closing:
+            if (closers[--depth] != c)
+                return {};
+            if (depth > 0)
+                break;
+            found.at = at;
+            return found;
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -144,10 +210,26 @@ bool JsonRecordReader::readRecord()
     peekAfterBlanks();
     m_recordLine = m_line;
     m_text.resize(0);
-    if (readValue(&m_text))
+    if (takeObjectInChunk() || readValue(&m_text))
         return true;
     end(Ending::Truncated);
     return false;
+}
+
+// Nearly all records are objects of some hundred bytes that lie in the chunk as a whole, and are good: they are found in
+// one go. False for any other, of which nothing is taken then.
+bool JsonRecordReader::takeObjectInChunk()
+{
+    if (peek() != '{')
+        return false;
+    const char* const begin = m_chunk.constData() + m_position;
+    const ObjectEnd end = endOfObject(begin, m_chunk.constData() + m_chunk.size());
+    if (!end.at)
+        return false;
+    m_text.append(begin, end.at - begin);
+    m_position += end.at - begin;
+    m_line += end.lineFeeds;
+    return true;
 }
 
 // False when the text ends within the value.

@@ -68,6 +68,7 @@ private:
     bool nextElement();
     bool readMemberName(QByteArray& name);
     bool readRecord();
+    bool takeObjectInChunk();
     bool readValue(QByteArray* target);
     bool readString(QByteArray* target);
     void takeRun(QByteArray* target, qsizetype size);

@@ -2,11 +2,11 @@
 #include "quoted_text_p.h"
 #include "trace_builder_p.h"
 
+#include <algorithm>
+
 namespace VeskTimeline::Kit {
 
 namespace {
-
-constexpr QChar separator(0x1F);
 
 bool isOneOf(char phase, std::string_view phases)
 {
@@ -40,7 +40,7 @@ void TraceDocumentBuilder::readRecord(JsonRecordReader& reader)
     try {
         if (!value)
             throw m_parser.errorReason();
-        addEvent(traceEventOf(*value, m_texts));
+        addEvent(m_reader.read(*value));
         ++m_events;
     } catch (const QString& reason) {
         m_lastReason = reason;
@@ -48,33 +48,30 @@ void TraceDocumentBuilder::readRecord(JsonRecordReader& reader)
     }
 }
 
-void TraceDocumentBuilder::addEvent(TraceEvent event)
+void TraceDocumentBuilder::addEvent(const TraceEvent& event)
 {
     if (event.phase == 'M')
         return addMetadata(event);
     if (!isOneOf(event.phase, "XBEIiRbneSTpF"))
-        return leaveOut(phaseName(event.phase));
+        return leaveOutPhase(event.phase);
     if (!event.time)
         throw event.isTimeNoNumber ? Tr::tr("its time is no number") : Tr::tr("it has no time");
-    if (isOneOf(event.phase, "bneSTpF"))
-        return addAsync(std::move(event));
+    if (TraceEventReader::isAsync(event.phase))
+        return addAsync(event);
 
-    const std::optional<std::size_t> found = groupOf(event, TraceGroup::Kind::Thread, event.thread);
-    if (!found)
+    const std::optional<std::size_t> group = groupOf(event, TraceGroup::Kind::Thread, event.thread);
+    if (!group)
         return;
-    const std::size_t group = *found;
-    const double time = *event.time;
-    const bool isBegin = event.phase == 'B';
     if (event.phase == 'X')
-        addComplete(group, std::move(event));
+        addComplete(*group, event);
     else if (isOneOf(event.phase, "BE"))
-        addMark(QStringLiteral("thread %1").arg(group), group, isBegin, std::move(event));
+        addPart(*group, event);
     else
-        addSlice(group, std::move(event), time);
+        addSlice(*group, event, *event.time);
 }
 
 std::optional<std::size_t> TraceDocumentBuilder::groupOf(const TraceEvent& event, TraceGroup::Kind kind,
-                                                         const QString& id)
+                                                         std::string_view id)
 {
     const std::optional<std::size_t> group = m_layout.groupIndex(event.process, kind, id);
     // An end is no item of its own.
@@ -83,49 +80,67 @@ std::optional<std::size_t> TraceDocumentBuilder::groupOf(const TraceEvent& event
     return group;
 }
 
-void TraceDocumentBuilder::addComplete(std::size_t group, TraceEvent event)
+void TraceDocumentBuilder::addComplete(std::size_t group, const TraceEvent& event)
 {
     if (event.duration && *event.duration < 0.0)
         throw Tr::tr("its duration is negative");
     if (!event.duration)
-        m_warnings.add(
-            m_line,
-            Tr::tr("event %1: %2 has no duration and is left open-ended").arg(m_records).arg(quotedText(event.name)));
-    const double end = event.duration ? *event.time + *event.duration : TraceSlice::noEnd;
-    addSlice(group, std::move(event), end);
+        m_warnings.addMade(m_line, [this, &event] {
+            return Tr::tr("event %1: %2 has no duration and is left open-ended")
+                .arg(m_records)
+                .arg(quotedText(jsonText(event.name)));
+        });
+    addSlice(group, event, event.duration ? *event.time + *event.duration : TraceSlice::noEnd);
 }
 
-void TraceDocumentBuilder::addAsync(TraceEvent event)
+void TraceDocumentBuilder::addPart(std::size_t group, const TraceEvent& event)
 {
-    const QString category = event.attributes.value(QStringLiteral("cat"));
-    const std::optional<std::size_t> found = groupOf(event, TraceGroup::Kind::Async, category);
-    if (!found)
+    std::optional<std::uint32_t>& series = m_layout.group(group).series;
+    if (!series)
+        series = newSeries(group);
+    addMark(*series, event, event.phase == 'B');
+}
+
+void TraceDocumentBuilder::addAsync(const TraceEvent& event)
+{
+    const std::optional<std::size_t> group = groupOf(event, TraceGroup::Kind::Async, event.category);
+    if (!group)
         return;
-    const std::size_t group = *found;
-    if (!isOneOf(event.phase, "beSF")) {
-        const double time = *event.time;
-        return addSlice(group, std::move(event), time);
-    }
-    const QString kind = isOneOf(event.phase, "be") ? QStringLiteral("nestable") : QStringLiteral("async");
-    const QString key = QStringList{kind, category, event.asyncId, event.name}.join(separator);
-    const bool isBegin = isOneOf(event.phase, "bS");
-    addMark(key, group, isBegin, std::move(event));
+    if (isOneOf(event.phase, "beSF"))
+        addMark(asyncSeries(*group, event), event, isOneOf(event.phase, "bS"));
+    else
+        addSlice(*group, event, *event.time);
 }
 
-void TraceDocumentBuilder::addSlice(std::size_t group, TraceEvent event, double end)
+// Partners may be in different processes; they are shown in that of the first.
+std::uint32_t TraceDocumentBuilder::asyncSeries(std::size_t group, const TraceEvent& event)
 {
-    m_layout.group(group).slices.push_back({*event.time, end, std::move(event.name), std::move(event.attributes)});
+    m_seriesKey = isOneOf(event.phase, "be") ? 'n' : 'a';
+    // With their lengths: whatever is in one, what follows cannot be taken for a part of it.
+    for (const std::string_view part : {event.category, event.asyncId, event.name}) {
+        const std::size_t size = part.size();
+        m_seriesKey.append(reinterpret_cast<const char*>(&size), sizeof size).append(part);
+    }
+    if (const std::uint32_t* const known = m_asyncSeries.find(m_seriesKey))
+        return *known;
+    m_asyncSeries.insert(m_seriesKey, newSeries(group));
+    return static_cast<std::uint32_t>(m_groupsOfSeries.size() - 1);
 }
 
-void TraceDocumentBuilder::addMark(const QString& seriesKey, std::size_t group, bool isBegin, TraceEvent event)
+std::uint32_t TraceDocumentBuilder::newSeries(std::size_t group)
 {
-    auto found = m_seriesIndexes.constFind(seriesKey);
-    if (found == m_seriesIndexes.cend()) {
-        found = m_seriesIndexes.insert(seriesKey, m_series.size());
-        m_series.push_back({group, {}});
-    }
-    m_series[*found].marks.push_back(
-        {isBegin, *event.time, std::move(event.name), std::move(event.attributes), m_line, m_records});
+    m_groupsOfSeries.push_back(group);
+    return static_cast<std::uint32_t>(m_groupsOfSeries.size() - 1);
+}
+
+void TraceDocumentBuilder::addSlice(std::size_t group, const TraceEvent& event, double end)
+{
+    m_layout.group(group).slices.push_back({*event.time, end, payload(event)});
+}
+
+void TraceDocumentBuilder::addMark(std::uint32_t series, const TraceEvent& event, bool isBegin)
+{
+    m_marks.push_back({*event.time, payload(event), series, m_line, m_records, isBegin});
 }
 
 void TraceDocumentBuilder::addMetadata(const TraceEvent& event)
@@ -136,21 +151,30 @@ void TraceDocumentBuilder::addMetadata(const TraceEvent& event)
         else
             described.sortIndex = event.metadataIndex.value_or(0.0);
     };
-    if (event.name == u"process_name" || event.name == u"process_sort_index") {
+    if (event.name == "process_name" || event.name == "process_sort_index") {
         if (TraceProcess* const process = m_layout.process(event.process))
-            return describe(*process, event.name == u"process_name");
-    } else if (event.name == u"thread_name" || event.name == u"thread_sort_index") {
+            return describe(*process, event.name == "process_name");
+    } else if (event.name == "thread_name" || event.name == "thread_sort_index") {
         if (const auto group = m_layout.groupIndex(event.process, TraceGroup::Kind::Thread, event.thread))
-            return describe(m_layout.group(*group), event.name == u"thread_name");
+            return describe(m_layout.group(*group), event.name == "thread_name");
     }
-    leaveOut(Tr::tr("metadata %1").arg(quotedText(event.name)));
+    leaveOut(Tr::tr("metadata %1").arg(quotedText(jsonText(event.name))));
 }
 
-void TraceDocumentBuilder::leaveOut(const QString& what)
+int& TraceDocumentBuilder::leaveOut(const QString& what)
 {
     constexpr int mostKinds = 50;
     const bool isKnown = m_leftOut.contains(what) || m_leftOut.size() < mostKinds;
-    ++m_leftOut[isKnown ? what : Tr::tr("events of other kinds")];
+    return ++m_leftOut[isKnown ? what : Tr::tr("events of other kinds")];
+}
+
+void TraceDocumentBuilder::leaveOutPhase(char phase)
+{
+    int*& count = m_leftOutOfPhase[static_cast<unsigned char>(phase)];
+    if (count)
+        ++*count;
+    else
+        count = &leaveOut(phaseName(phase));
 }
 
 void TraceDocumentBuilder::remarkOnLeftOut()
@@ -160,18 +184,28 @@ void TraceDocumentBuilder::remarkOnLeftOut()
                                            : Tr::tr("left out: %1, %2 times").arg(kind.key()).arg(kind.value()));
 }
 
-Document TraceDocumentBuilder::takeDocument(double stretch, ReadProgress& progress)
+void TraceDocumentBuilder::matchMarks(ReadProgress& progress)
 {
     // From here on it is only in the way, and may be large.
-    m_seriesIndexes = {};
-    for (Series& series : m_series) {
-        std::vector<TraceSlice> matched = matchTraceMarks(std::move(series.marks), m_warnings, progress);
-        std::vector<TraceSlice>& slices = m_layout.group(series.group).slices;
-        std::move(matched.begin(), matched.end(), std::back_inserter(slices));
+    m_asyncSeries = {};
+    sortBySeries(m_marks, m_groupsOfSeries.size());
+    for (auto begin = m_marks.begin(); begin != m_marks.end();) {
+        const std::uint32_t series = begin->series;
+        const auto end =
+            std::find_if(begin, m_marks.end(), [series](const TraceMark& mark) { return mark.series != series; });
+        matchTraceMarks(begin, end, m_layout.group(m_groupsOfSeries[series]).slices, m_warnings, progress);
+        begin = end;
     }
+    m_marks = {};
+}
+
+Document TraceDocumentBuilder::takeDocument(double stretch, ReadProgress& progress)
+{
+    matchMarks(progress);
     remarkOnLeftOut();
     constexpr double microsecondsPerMillisecond = 1000.0;
-    Document document = m_layout.takeDocument(stretch / microsecondsPerMillisecond, m_remarks, progress);
+    SharedTexts texts;
+    Document document = m_layout.takeDocument(stretch / microsecondsPerMillisecond, texts, m_remarks, progress);
     m_remarks.addTo(document);
     m_warnings.addTo(document);
     return document;

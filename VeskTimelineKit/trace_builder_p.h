@@ -4,6 +4,7 @@
 
 #include "json_record_p.h"
 #include "json_record_reader_p.h"
+#include "trace_event_p.h"
 #include "trace_layout_p.h"
 
 namespace VeskTimeline::Kit {
@@ -24,31 +25,35 @@ public:
     Document takeDocument(double stretch, ReadProgress& progress);
 
 private:
-    /// The beginnings and ends among which partners are sought.
-    struct Series
-    {
-        std::size_t group = 0;
-        std::vector<TraceMark> marks;
-    };
-
-    void addEvent(TraceEvent event);
+    void addEvent(const TraceEvent& event);
     void addMetadata(const TraceEvent& event);
-    std::optional<std::size_t> groupOf(const TraceEvent& event, TraceGroup::Kind kind, const QString& id);
-    void addSlice(std::size_t group, TraceEvent event, double end);
-    void addMark(const QString& seriesKey, std::size_t group, bool isBegin, TraceEvent event);
-    void addComplete(std::size_t group, TraceEvent event);
-    void addAsync(TraceEvent event);
-    void leaveOut(const QString& what);
+    std::optional<std::size_t> groupOf(const TraceEvent& event, TraceGroup::Kind kind, std::string_view id);
+    void addSlice(std::size_t group, const TraceEvent& event, double end);
+    void addMark(std::uint32_t series, const TraceEvent& event, bool isBegin);
+    void addComplete(std::size_t group, const TraceEvent& event);
+    void addPart(std::size_t group, const TraceEvent& event);
+    void addAsync(const TraceEvent& event);
+    std::uint32_t asyncSeries(std::size_t group, const TraceEvent& event);
+    std::uint32_t newSeries(std::size_t group);
+    TracePayload payload(const TraceEvent& event) { return {m_payloads, event.name, m_reader.attributes()}; }
+    void matchMarks(ReadProgress& progress);
+    int& leaveOut(const QString& what);
+    void leaveOutPhase(char phase);
     void remarkOnLeftOut();
 
     JsonRecordParser m_parser;
-    SharedTexts m_texts;
+    TraceEventReader m_reader;
+    ByteArena m_payloads;
     TraceLayout m_layout;
     WarningList m_remarks;
     WarningList m_warnings;
-    QHash<QString, std::size_t> m_seriesIndexes;
-    std::vector<Series> m_series;
-    QMap<QString, int> m_leftOut; // with their number
+    // A series is of beginnings and ends among which partners are sought.
+    std::vector<std::size_t> m_groupsOfSeries;
+    ByteTextMap<std::uint32_t> m_asyncSeries;
+    std::string m_seriesKey;
+    std::vector<TraceMark> m_marks;
+    QMap<QString, int> m_leftOut;               // with their number
+    std::array<int*, 256> m_leftOutOfPhase{};   // in it, of those that have come
     QString m_lastReason;
     int m_records = 0;
     int m_events = 0;

@@ -1,3 +1,4 @@
+#include "json_record_p.h"
 #include "kit_tr_p.h"
 #include "lane_packer_p.h"
 #include "read_progress_p.h"
@@ -46,8 +47,8 @@ class TraceTracks
 {
 public:
     /// @param leftOut so many items have not even come here for want of tracks
-    TraceTracks(AxisScale scale, ReadProgress& progress, int leftOut)
-        : m_scale(scale), m_progress(progress), m_tooMany(leftOut)
+    TraceTracks(AxisScale scale, SharedTexts& texts, ReadProgress& progress, int leftOut)
+        : m_scale(scale), m_texts(texts), m_progress(progress), m_tooMany(leftOut)
     {
     }
 
@@ -55,75 +56,94 @@ public:
     Document takeDocument(WarningList& warnings);
 
 private:
-    using LaneItems = std::vector<DocumentItem>;
+    static constexpr qint64 noEnd = std::numeric_limits<qint64>::max();
 
-    std::vector<DocumentItem> itemsOf(std::vector<TraceSlice> slices);
-    void addLanes(const QStringList& path, std::vector<LaneItems> lanes);
+    /// A slice on the axis. Most that are left out for want of tracks never become more than that.
+    struct Bar
+    {
+        qint64 start = 0;
+        qint64 end = 0; ///< or noEnd
+        const TraceSlice* slice = nullptr;
+    };
+
+    std::vector<Bar> barsOf(const std::vector<TraceSlice>& slices);
+    std::vector<std::vector<Bar>> lanesOf(const std::vector<Bar>& bars);
+    DocumentItem itemOf(const Bar& bar);
 
     AxisScale m_scale;
+    SharedTexts& m_texts;
     ReadProgress& m_progress;
     Document m_document;
     int m_outside = 0;
     int m_tooMany;
 };
 
-std::vector<DocumentItem> TraceTracks::itemsOf(std::vector<TraceSlice> slices)
+// By start, and of the same start the longest first.
+std::vector<TraceTracks::Bar> TraceTracks::barsOf(const std::vector<TraceSlice>& slices)
 {
-    std::vector<DocumentItem> items;
-    items.reserve(slices.size());
-    for (TraceSlice& slice : slices) {
+    std::vector<Bar> bars;
+    bars.reserve(slices.size());
+    for (const TraceSlice& slice : slices) {
         m_progress.reportSometimes(0.5);
         const bool hasEnd = slice.end != TraceSlice::noEnd;
         const std::optional<qint64> start = m_scale.timeAt(slice.start);
         const std::optional<qint64> end = hasEnd ? m_scale.timeAt(slice.end) : start;
-        if (!start || !end) {
+        if (start && end)
+            bars.push_back({*start, hasEnd ? *end : noEnd, &slice});
+        else
             ++m_outside;
-            continue;
-        }
-        DocumentItem item;
-        item.label = std::move(slice.label);
-        item.start = *start;
-        item.duration = hasEnd ? *end - *start : DocumentItem::openEnded;
-        item.attributes = std::move(slice.attributes);
-        items.push_back(std::move(item));
     }
-    return items;
+    const auto isBefore = [this](const Bar& a, const Bar& b) {
+        m_progress.reportSometimes(0.5);
+        return std::tie(a.start, b.end) < std::tie(b.start, a.end);
+    };
+    if (!std::is_sorted(bars.begin(), bars.end(), isBefore))
+        std::stable_sort(bars.begin(), bars.end(), isBefore);
+    return bars;
 }
 
-void TraceTracks::add(const QStringList& path, std::vector<TraceSlice> slices)
+std::vector<std::vector<TraceTracks::Bar>> TraceTracks::lanesOf(const std::vector<Bar>& bars)
 {
-    const auto endOf = [](const DocumentItem& item) {
-        return item.duration == DocumentItem::openEnded ? std::numeric_limits<qint64>::max() : item.end();
-    };
-    std::vector<DocumentItem> items = itemsOf(std::move(slices));
-    std::stable_sort(items.begin(), items.end(), [&](const DocumentItem& a, const DocumentItem& b) {
-        m_progress.reportSometimes(0.5);
-        return std::make_tuple(a.start, endOf(b)) < std::make_tuple(b.start, endOf(a));
-    });
-
     LanePacker packer;
-    std::vector<LaneItems> lanes;
-    for (DocumentItem& item : items) {
+    std::vector<std::vector<Bar>> lanes;
+    for (const Bar& bar : bars) {
         m_progress.reportSometimes(0.5);
-        const int lane = packer.place(item.start, endOf(item));
+        const int lane = packer.place(bar.start, bar.end);
         if (lane >= mostLanes) {
             ++m_tooMany;
             continue;
         }
         lanes.resize(std::max(lanes.size(), static_cast<std::size_t>(lane) + 1));
-        lanes[static_cast<std::size_t>(lane)].push_back(std::move(item));
+        lanes[static_cast<std::size_t>(lane)].push_back(bar);
     }
-    addLanes(path, std::move(lanes));
+    return lanes;
 }
 
-void TraceTracks::addLanes(const QStringList& path, std::vector<LaneItems> lanes)
+DocumentItem TraceTracks::itemOf(const Bar& bar)
 {
+    DocumentItem item;
+    item.label = m_texts.shared(bar.slice->payload.name());
+    item.start = bar.start;
+    item.duration = bar.end == noEnd ? DocumentItem::openEnded : bar.end - bar.start;
+    item.attributes = attributesOf(*bar.slice, m_texts);
+    return item;
+}
+
+void TraceTracks::add(const QStringList& path, std::vector<TraceSlice> slices)
+{
+    const std::vector<std::vector<Bar>> lanes = lanesOf(barsOf(slices));
     for (std::size_t depth = 0; depth < lanes.size(); ++depth) {
         const QStringList below = depth > 0 ? QStringList{Tr::tr("depth %1").arg(depth)} : QStringList();
-        if (DocumentTrack* const track = m_document.trackWithinLimit(path + below))
-            track->items = std::move(lanes[depth]);
-        else
+        DocumentTrack* const track = m_document.trackWithinLimit(path + below);
+        if (!track) {
             m_tooMany += static_cast<int>(lanes[depth].size());
+            continue;
+        }
+        track->items.reserve(lanes[depth].size());
+        for (const Bar& bar : lanes[depth]) {
+            m_progress.reportSometimes(0.5);
+            track->items.push_back(itemOf(bar));
+        }
     }
 }
 
@@ -151,38 +171,36 @@ bool TraceLayout::hasRoom() const
     return m_processes.size() + m_groups.size() < Document::mostTracks;
 }
 
-TraceProcess* TraceLayout::process(const QString& id)
+TraceProcess* TraceLayout::process(std::string_view id)
 {
     const std::optional<std::size_t> index = processIndex(id);
     return index ? &m_processes[*index] : nullptr;
 }
 
-std::optional<std::size_t> TraceLayout::processIndex(const QString& id)
+std::optional<std::size_t> TraceLayout::processIndex(std::string_view id)
 {
-    const auto found = m_processIndexes.constFind(id);
-    if (found != m_processIndexes.cend())
+    if (const std::size_t* const found = m_processIndexes.find(id))
         return *found;
     if (!hasRoom())
         return std::nullopt;
     m_processIndexes.insert(id, m_processes.size());
-    m_processes.push_back({id, {}, 0.0});
+    m_processes.push_back({jsonText(id), {}, 0.0});
     return m_processes.size() - 1;
 }
 
-std::optional<std::size_t> TraceLayout::groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id)
+std::optional<std::size_t> TraceLayout::groupIndex(std::string_view process, TraceGroup::Kind kind, std::string_view id)
 {
     const std::optional<std::size_t> owner = processIndex(process);
     if (!owner)
         return std::nullopt;
-    GroupIndexes& indexes = kind == TraceGroup::Kind::Thread ? m_threadIndexes : m_asyncIndexes;
-    const std::pair key(*owner, id);
-    const auto found = indexes.constFind(key);
-    if (found != indexes.cend())
+    m_groupKey.assign(reinterpret_cast<const char*>(&*owner), sizeof *owner);
+    m_groupKey.append(kind == TraceGroup::Kind::Thread ? "t" : "a").append(id);
+    if (const std::size_t* const found = m_groupIndexes.find(m_groupKey))
         return *found;
     if (!hasRoom())
         return std::nullopt;
-    indexes.insert(key, m_groups.size());
-    m_groups.push_back({kind, *owner, id, {}, 0.0, {}});
+    m_groupIndexes.insert(m_groupKey, m_groups.size());
+    m_groups.push_back({kind, *owner, jsonText(id), {}, 0.0, {}, {}});
     return m_groups.size() - 1;
 }
 
@@ -218,13 +236,13 @@ double TraceLayout::originOf(double factor) const
     return first != TraceSlice::noEnd && first * factor > static_cast<double>(latestTime) ? std::floor(first) : 0.0;
 }
 
-Document TraceLayout::takeDocument(double factor, WarningList& warnings, ReadProgress& progress)
+Document TraceLayout::takeDocument(double factor, SharedTexts& texts, WarningList& warnings, ReadProgress& progress)
 {
     const double origin = originOf(factor);
     if (origin > 0.0)
         warnings.add(0, Tr::tr("times count from the first event, which is at %1 microseconds")
                             .arg(QString::number(origin, 'f', 0)));
-    TraceTracks tracks(AxisScale(origin, factor), progress, m_leftOut);
+    TraceTracks tracks(AxisScale(origin, factor), texts, progress, m_leftOut);
     int unused = 0;
     for (TraceGroup* const group : groupsInOrder()) {
         unused += group->slices.empty() ? 1 : 0;

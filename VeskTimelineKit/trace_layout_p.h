@@ -6,10 +6,7 @@
 
 #include <VeskTimelineKit/document.h>
 
-#include <QHash>
-
 #include <optional>
-#include <utility>
 
 namespace VeskTimeline::Kit {
 
@@ -24,6 +21,7 @@ struct TraceGroup
     QString name;
     double sortIndex = 0.0;
     std::vector<TraceSlice> slices;
+    std::optional<std::uint32_t> series; ///< of a thread's beginnings and ends, if it has any
 };
 
 struct TraceProcess
@@ -39,9 +37,9 @@ class TraceLayout
 {
 public:
     /// Null for a new one where there would be too many tracks.
-    TraceProcess* process(const QString& id);
+    TraceProcess* process(std::string_view id);
     /// An index, as references do not stay valid; nothing for a new one where there would be too many tracks.
-    std::optional<std::size_t> groupIndex(const QString& process, TraceGroup::Kind kind, const QString& id);
+    std::optional<std::size_t> groupIndex(std::string_view process, TraceGroup::Kind kind, std::string_view id);
     TraceGroup& group(std::size_t index) { return m_groups[index]; }
     /// Counts an item that has no group.
     void leaveOutItem() { ++m_leftOut; }
@@ -49,23 +47,20 @@ public:
     /// Empties the groups into a document.
     /// @param factor milliseconds of the axis for a microsecond of the trace
     /// @throws ReadCancelled
-    Document takeDocument(double factor, WarningList& warnings, ReadProgress& progress);
+    Document takeDocument(double factor, SharedTexts& texts, WarningList& warnings, ReadProgress& progress);
 
 private:
-    /// By the process and the id in it.
-    using GroupIndexes = QHash<std::pair<std::size_t, QString>, std::size_t>;
-
     bool hasRoom() const;
-    std::optional<std::size_t> processIndex(const QString& id);
+    std::optional<std::size_t> processIndex(std::string_view id);
     std::vector<TraceGroup*> groupsInOrder();
     double originOf(double factor) const;
     QStringList pathOf(const TraceGroup& group) const;
 
     std::vector<TraceProcess> m_processes;
     std::vector<TraceGroup> m_groups;
-    QHash<QString, std::size_t> m_processIndexes;
-    GroupIndexes m_threadIndexes;
-    GroupIndexes m_asyncIndexes;
+    ByteTextMap<std::size_t> m_processIndexes;
+    ByteTextMap<std::size_t> m_groupIndexes; // by process, kind and id
+    std::string m_groupKey;
     int m_leftOut = 0;
 };
 

@@ -21,6 +21,16 @@ public:
     /// @param line or number of the record, counted from 1; 0 where there is none
     /// @param text without the file's name, translated
     void add(int line, const QString& text);
+    /// As above, where the text takes longer to make than there is time for, when there are millions.
+    /// @param makeText () to the text; called if it is kept
+    template <typename MakeText>
+    void addMade(int line, MakeText makeText)
+    {
+        if (m_texts.size() < mostKept)
+            add(line, makeText());
+        else
+            ++m_count;
+    }
 
     /// Of all that were added, also those that were not kept.
     int count() const { return m_count; }
