@@ -5,6 +5,7 @@
 #include <QHashFunctions>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -71,7 +72,13 @@ private:
     {
         std::size_t operator()(std::string_view text) const noexcept
         {
-            return qHashBits(text.data(), text.size(), static_cast<std::size_t>(QHashSeed::globalSeed()));
+            const auto seed = static_cast<std::size_t>(QHashSeed::globalSeed());
+            // Of few bytes it takes many times as long as of some more.
+            std::array<char, 24> padded{};
+            if (text.size() >= padded.size())
+                return qHashBits(text.data(), text.size(), seed);
+            std::copy(text.begin(), text.end(), padded.begin());
+            return qHashBits(padded.data(), padded.size(), seed) + text.size();
         }
     };
 

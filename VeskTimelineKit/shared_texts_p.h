@@ -2,11 +2,10 @@
 
 // Internal to the kit; not installed.
 
-#include <QHashFunctions>
 #include <QString>
 
 #include <algorithm>
-#include <array>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,21 +25,17 @@ public:
         constexpr std::size_t longest = 200;
         if (text.size() > longest || text.empty())
             return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-        const std::size_t hash = qHashBits(text.data(), text.size());
-        Ways& ways = m_sets[hash % setCount];
-        for (std::size_t way = 0; way < ways.size(); ++way) {
-            if (ways[way].hash != hash || ways[way].key != text)
-                continue;
-            // So that the one that has not come for the longest time is at the end.
-            if (way > 0)
-                std::swap(ways[way], ways[way - 1]);
-            return ways[way > 0 ? way - 1 : 0].text;
+        const std::size_t hash = hashOf(text);
+        Entry* const set = &m_entries[hash % setCount * ways];
+        for (Entry* entry = set; entry != set + ways; ++entry) {
+            if (entry->hash == hash && entry->key == text)
+                return entry->text;
         }
-        std::rotate(ways.begin(), ways.end() - 1, ways.end());
-        ways.front().hash = hash;
-        ways.front().key = text;
-        ways.front().text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-        return ways.front().text;
+        Entry& oldest = set[m_next++ % ways];
+        oldest.hash = hash;
+        oldest.key = text;
+        oldest.text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+        return oldest.text;
     }
 
 private:
@@ -51,9 +46,26 @@ private:
         QString text;
     };
     static constexpr std::size_t setCount = 2048;
-    using Ways = std::array<Entry, 4>;
+    static constexpr std::size_t ways = 4;
 
-    std::vector<Ways> m_sets = std::vector<Ways>(setCount);
+    // Collisions only cost the sharing of some texts, so that a hash will do that takes no longer than the comparison.
+    static std::size_t hashOf(std::string_view text)
+    {
+        constexpr quint64 factor = 0x9E3779B97F4A7C15;
+        quint64 hash = text.size() * factor;
+        while (!text.empty()) {
+            quint64 word = 0;
+            const std::size_t size = std::min(text.size(), sizeof word);
+            std::memcpy(&word, text.data(), size);
+            hash = (hash ^ word) * factor;
+            hash ^= hash >> 32;
+            text.remove_prefix(size);
+        }
+        return static_cast<std::size_t>(hash);
+    }
+
+    std::vector<Entry> m_entries = std::vector<Entry>(setCount * ways);
+    std::size_t m_next = 0;
 };
 
 } // namespace VeskTimeline::Kit

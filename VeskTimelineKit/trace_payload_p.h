@@ -20,20 +20,23 @@ public:
     void clear() { m_bytes.clear(); }
     void append(std::string_view nameStart, std::string_view nameRest, std::string_view value)
     {
-        appendSize(nameStart.size() + nameRest.size());
-        m_bytes.append(nameStart).append(nameRest);
-        appendSize(value.size());
-        m_bytes.append(value);
+        const std::size_t before = m_bytes.size();
+        m_bytes.resize(before + 2 * sizeof(std::uint32_t) + nameStart.size() + nameRest.size() + value.size());
+        char* at = m_bytes.data() + before;
+        at = put(putSize(at, nameStart.size() + nameRest.size()), nameStart);
+        put(putSize(put(at, nameRest), value.size()), value);
     }
     const std::string& bytes() const { return m_bytes; }
 
 private:
     // No text of a record is longer than the record, and that is limited.
-    void appendSize(std::size_t size)
+    static char* putSize(char* at, std::size_t size)
     {
         const auto stored = static_cast<std::uint32_t>(size);
-        m_bytes.append(reinterpret_cast<const char*>(&stored), sizeof stored);
+        std::memcpy(at, &stored, sizeof stored);
+        return at + sizeof stored;
     }
+    static char* put(char* at, std::string_view text) { return std::copy(text.begin(), text.end(), at); }
 
     std::string m_bytes;
 };
