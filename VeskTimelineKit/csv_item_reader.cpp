@@ -50,6 +50,8 @@ QString csvDefaultTrack(const QString& fileName)
 CsvItemReader::CsvItemReader(const CsvPlan& plan, const QString& defaultTrack)
     : m_plan(plan), m_defaultTrack(defaultTrack), m_times(plan.options)
 {
+    for (const CsvField field : csvFields())
+        m_fields[static_cast<std::size_t>(field)].columns = plan.columns.columns(field);
 }
 
 std::optional<CsvItemReader::Entry> CsvItemReader::read(const QStringList& record)
@@ -65,8 +67,9 @@ std::optional<CsvItemReader::Entry> CsvItemReader::read(const QStringList& recor
     if (namesTrackOnly(record))
         return entry;
     DocumentItem& item = entry.item.emplace();
-    item.label = m_plan.columns.has(CsvField::Label) ? required(record, CsvField::Label) : QString();
-    const QString startText = required(record, CsvField::Start);
+    if (!columns(CsvField::Label).isEmpty())
+        item.label = required(record, CsvField::Label);
+    const QString& startText = required(record, CsvField::Start);
     item.start = checked(m_times.time(startText), CsvField::Start, startText).msecs;
     item.duration = readDuration(record, item.start);
     item.description = optional(record, CsvField::Description);
@@ -89,17 +92,31 @@ bool CsvItemReader::namesTrackOnly(const QStringList& record) const
     return true;
 }
 
-QString CsvItemReader::required(const QStringList& record, CsvField field) const
+// Null where the record has no such field, or ends before it.
+const QString* CsvItemReader::text(const QStringList& record, CsvField field)
 {
-    const std::optional<QString> text = csvFieldText(record, m_plan.columns.columns(field));
-    if (!text && (m_plan.isOwnWay() || field == CsvField::Start))
-        throw Tr::tr("the line ends before its field \"%1\"").arg(csvFieldName(field));
-    return text.value_or(QString());
+    Field& wanted = m_fields[static_cast<std::size_t>(field)];
+    if (wanted.columns.size() == 1) {
+        const qsizetype column = wanted.columns.first();
+        return column < record.size() ? &record.at(column) : nullptr;
+    }
+    const std::optional<QString> joined = csvFieldText(record, wanted.columns);
+    wanted.joined = joined.value_or(QString());
+    return joined ? &wanted.joined : nullptr;
 }
 
-QString CsvItemReader::optional(const QStringList& record, CsvField field) const
+const QString& CsvItemReader::required(const QStringList& record, CsvField field)
 {
-    return csvFieldText(record, m_plan.columns.columns(field)).value_or(QString());
+    if (!text(record, field) && (m_plan.isOwnWay() || field == CsvField::Start))
+        throw Tr::tr("the line ends before its field \"%1\"").arg(csvFieldName(field));
+    return optional(record, field);
+}
+
+const QString& CsvItemReader::optional(const QStringList& record, CsvField field)
+{
+    static const QString nothing;
+    const QString* const found = text(record, field);
+    return found ? *found : nothing;
 }
 
 QStringList CsvItemReader::readPath(const QStringList& record)
@@ -151,11 +168,10 @@ CsvTime CsvItemReader::checked(const std::optional<CsvTime>& time, CsvField fiel
 
 qint64 CsvItemReader::readDuration(const QStringList& record, qint64 start)
 {
-    const CsvColumns& columns = m_plan.columns;
-    if (!columns.has(CsvField::End) && !columns.has(CsvField::Duration))
+    if (columns(CsvField::End).isEmpty() && columns(CsvField::Duration).isEmpty())
         return 0;
-    const auto endText = csvFieldText(record, columns.columns(CsvField::End));
-    const auto durationText = csvFieldText(record, columns.columns(CsvField::Duration));
+    const QString* const endText = text(record, CsvField::End);
+    const QString* const durationText = text(record, CsvField::Duration);
     if (!endText && !durationText && m_plan.isOwnWay())
         throw Tr::tr("the line ends before its end");
 
@@ -182,28 +198,31 @@ qint64 CsvItemReader::readDuration(const QStringList& record, qint64 start)
     return duration;
 }
 
-void CsvItemReader::readColor(const QStringList& record, Entry& entry) const
+void CsvItemReader::readColor(const QStringList& record, Entry& entry)
 {
-    const QString text = optional(record, CsvField::Color);
-    if (text.isEmpty())
+    const QString& name = optional(record, CsvField::Color);
+    if (name.isEmpty())
         return;
-    if (QColor::isValidColorName(text)) {
-        entry.item->color = QColor::fromString(text);
+    const QColor color = QColor::fromString(name);
+    if (color.isValid()) {
+        entry.item->color = color;
         return;
     }
     if (m_plan.isOwnWay())
-        throw Tr::tr("bad color %1").arg(quotedText(text));
-    entry.remark = Tr::tr("the color %1 is left out: there is no such color").arg(quotedText(text));
+        throw Tr::tr("bad color %1").arg(quotedText(name));
+    entry.remark = Tr::tr("the color %1 is left out: there is no such color").arg(quotedText(name));
 }
 
-void CsvItemReader::readEditable(const QStringList& record, Entry& entry) const
+void CsvItemReader::readEditable(const QStringList& record, Entry& entry)
 {
-    const QString text = optional(record, CsvField::Editable);
-    const std::optional<bool> isEditable = boolOf(text);
+    const QString& word = optional(record, CsvField::Editable);
+    if (word.isEmpty())
+        return;
+    const std::optional<bool> isEditable = boolOf(word);
     if (!isEditable && m_plan.isOwnWay())
-        throw Tr::tr("bad editable %1: neither true nor false").arg(quotedText(text));
+        throw Tr::tr("bad editable %1: neither true nor false").arg(quotedText(word));
     if (!isEditable)
-        entry.remark = Tr::tr("%1 is left out: it is neither true nor false").arg(quotedText(text));
+        entry.remark = Tr::tr("%1 is left out: it is neither true nor false").arg(quotedText(word));
     entry.item->isEditable = isEditable.value_or(true);
 }
 

@@ -7,6 +7,7 @@
 
 #include <VeskTimelineKit/document.h>
 
+#include <array>
 #include <optional>
 
 namespace VeskTimeline::Kit {
@@ -42,19 +43,30 @@ public:
     const CsvTimeReader::Counts& timeCounts() const { return m_times.counts(); }
 
 private:
-    QString required(const QStringList& record, CsvField field) const;
-    QString optional(const QStringList& record, CsvField field) const;
+    const QString* text(const QStringList& record, CsvField field);
+    const QString& required(const QStringList& record, CsvField field);
+    const QString& optional(const QStringList& record, CsvField field);
+    const QList<qsizetype>& columns(CsvField field) const { return m_fields[static_cast<std::size_t>(field)].columns; }
     QStringList readPath(const QStringList& record);
     QStringList readOwnPath(const QString& text);
     CsvTime checked(const std::optional<CsvTime>& time, CsvField field, const QString& text);
     QString badTime(CsvField field, const QString& text) const;
     qint64 readDuration(const QStringList& record, qint64 start);
-    void readColor(const QStringList& record, Entry& entry) const;
-    void readEditable(const QStringList& record, Entry& entry) const;
+    void readColor(const QStringList& record, Entry& entry);
+    void readEditable(const QStringList& record, Entry& entry);
     void readAttributes(const QStringList& record, DocumentItem& item) const;
     bool namesTrackOnly(const QStringList& record) const;
 
+    /// What the plan says of a field, where it is at hand for each record.
+    struct Field
+    {
+        QList<qsizetype> columns; ///< none: the file has not got it
+        QString joined;           ///< of the last record, when there are several
+    };
+    static constexpr std::size_t fieldCount = static_cast<std::size_t>(CsvField::Description) + 1;
+
     const CsvPlan& m_plan;
+    std::array<Field, fieldCount> m_fields;
     QString m_defaultTrack;
     CsvTimeReader m_times;
     // Of the record before: records of a track mostly stand together.

@@ -64,7 +64,7 @@ private:
         for (int skipped = m_plan.hasDelimiterLine ? 2 : 1; skipped > 0; --skipped)
             records.next();
         while (records.next()) {
-            m_progress.reportSometimes(m_source.share());
+            m_progress.reportSometimes([this] { return m_source.share(); });
             try {
                 readRecord(records, items);
             } catch (const CsvItemReader::LeftOut& leftOut) {

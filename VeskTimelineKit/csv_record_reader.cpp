@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace VeskTimeline::Kit {
@@ -11,6 +12,28 @@ namespace {
 
 // For the same reason as csvLongestField.
 constexpr qsizetype longestLine = 16 * 1024 * 1024;
+
+// Most fields are of ASCII, and most that nobody keeps, such as times, can lie where those of the record before were.
+void assignUtf8(QString& target, std::string_view text)
+{
+    const auto size = static_cast<qsizetype>(text.size());
+    unsigned char all = 0;
+    for (const char c : text)
+        all |= static_cast<unsigned char>(c);
+    constexpr unsigned char lastAscii = 0x7F;
+    if (all > lastAscii) {
+        target = QString::fromUtf8(text.data(), size);
+        return;
+    }
+    // What is kept must not bring the room of a longer text with it.
+    constexpr qsizetype mostRoom = 64;
+    if (target.isDetached() && target.capacity() >= size && target.capacity() <= mostRoom)
+        target.resize(size);
+    else
+        target = QString(size, Qt::Uninitialized);
+    std::transform(text.begin(), text.end(), target.begin(),
+                   [](char c) { return QLatin1Char(c); });
+}
 
 bool isBlank(const QByteArray& line)
 {
@@ -45,14 +68,20 @@ bool CsvRecordReader::refuse(int line, const QString& reason)
 void CsvRecordReader::onField(void* text, std::size_t size, void* self)
 {
     auto* const reader = static_cast<CsvRecordReader*>(self);
-    QString field = QString::fromUtf8(static_cast<const char*>(text), static_cast<qsizetype>(size));
+    QStringList& fields = reader->m_fields;
+    if (reader->m_fieldCount == fields.size())
+        fields.append(QString());
+    QString& field = fields[reader->m_fieldCount++];
+    assignUtf8(field, {static_cast<const char*>(text), size});
     reader->m_hasLongField = reader->m_hasLongField || field.size() > csvLongestField;
-    reader->m_fields.append(std::move(field));
 }
 
 void CsvRecordReader::onRecordEnd(int /*terminator*/, void* self)
 {
-    static_cast<CsvRecordReader*>(self)->m_hasRecord = true;
+    auto* const reader = static_cast<CsvRecordReader*>(self);
+    reader->m_hasRecord = true;
+    if (reader->m_fields.size() > reader->m_fieldCount)
+        reader->m_fields.resize(reader->m_fieldCount);
 }
 
 bool CsvRecordReader::hasMore()
@@ -134,7 +163,7 @@ bool CsvRecordReader::parseLine(const QByteArray& line)
     if (!m_isInRecord) {
         m_recordLine = m_line;
         m_recordSize = 0;
-        m_fields.clear();
+        m_fieldCount = 0;
     }
     m_recordSize += line.size();
     // What follows a quote that is never closed is all one field.

@@ -91,6 +91,8 @@ std::optional<CsvTime> CsvTimeReader::time(const QString& text)
     if (!m_order)
         return patternTime(text);
     if (!m_isCompact) {
+        if (const std::optional<CsvIsoTime> iso = scanCsvIsoTime(text))
+            return instant(iso->local, false, iso->zoneOffset);
         if (const std::optional<CsvTime> plain = number(text))
             return plain;
     }

@@ -6,6 +6,8 @@
 
 #include <QElapsedTimer>
 
+#include <type_traits>
+
 namespace VeskTimeline::Kit {
 
 /// Thrown inside a reader when the user has it stopped.
@@ -42,9 +44,16 @@ public:
     /// The same for work that comes in very many small steps, as comparisons do.
     void reportSometimes(double share)
     {
+        reportSometimes([share] { return share; });
+    }
+
+    /// @param share () to the share, where finding it out takes time too
+    template <typename Share, typename = std::enable_if_t<std::is_invocable_r_v<double, Share>>>
+    void reportSometimes(Share share)
+    {
         constexpr unsigned steps = 4096;
         if (++m_step % steps == 0)
-            report(share);
+            report(share());
     }
 
 private:
