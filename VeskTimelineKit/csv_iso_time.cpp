@@ -51,7 +51,8 @@ std::optional<qint64> offsetOf(QStringView text, qsizetype at, Places& places)
 {
     if (text.size() == at + 1 && text.at(at) == u'Z')
         return 0;
-    const bool isOffset = text.size() == at + 6 && text.at(at + 3) == u':' && (text.at(at) == u'+' || text.at(at) == u'-');
+    const bool isOffset =
+        text.size() == at + 6 && text.at(at + 3) == u':' && (text.at(at) == u'+' || text.at(at) == u'-');
     if (!isOffset)
         return std::nullopt;
     const int hour = places.number(at + 1);
@@ -88,8 +89,8 @@ std::optional<CsvIsoTime> scanCsvIsoTime(QStringView text)
     if (!places.areGood() || year < 1 || month < 1 || month > 12 || day < 1 || day > 28 || hour > 23 || minute > 59 ||
         second > 59)
         return std::nullopt;
-    time.local =
-        daysOf(year, month, day) * msecsPerDay + hour * msecsPerHour + minute * msecsPerMinute + second * msecsPerSecond;
+    time.local = daysOf(year, month, day) * msecsPerDay + hour * msecsPerHour + minute * msecsPerMinute +
+                 second * msecsPerSecond;
     return time;
 }
 

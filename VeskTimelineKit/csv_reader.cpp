@@ -8,10 +8,35 @@
 #include <VeskTimelineKit/warnings.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace VeskTimeline::Kit {
 
 namespace {
+
+// How many items begin before all those in front of them have ended. One without a length takes a millisecond: two of
+// the same time hide each other.
+int countOverlapping(const DocumentTrack& track, ReadProgress& progress)
+{
+    std::vector<std::pair<qint64, qint64>> spans;
+    spans.reserve(track.items.size());
+    for (const DocumentItem& item : track.items)
+        spans.emplace_back(item.start, item.duration == DocumentItem::openEnded ? std::numeric_limits<qint64>::max()
+                                                                                : std::max(item.end(), item.start + 1));
+    const auto isBefore = [&progress](const auto& left, const auto& right) {
+        progress.reportSometimes(1.0);
+        return left < right;
+    };
+    if (!std::is_sorted(spans.begin(), spans.end(), isBefore))
+        std::sort(spans.begin(), spans.end(), isBefore);
+    int count = 0;
+    qint64 lastEnd = std::numeric_limits<qint64>::min();
+    for (const auto& [start, end] : spans) {
+        count += start < lastEnd ? 1 : 0;
+        lastEnd = std::max(lastEnd, end);
+    }
+    return count;
+}
 
 /// Reads the records of a file by its plan.
 class CsvDocumentReader
@@ -123,6 +148,10 @@ private:
                  items.timeCounts().leftOut);
         addCount(Tr::tr("times that the clocks showed twice, the first taken: %1"), items.timeCounts().twice);
         addCount(Tr::tr("records left out because there would be too many tracks: %1"), m_beyondTracks);
+        int overlapping = 0;
+        for (const DocumentTrack& track : m_document.tracks())
+            overlapping += countOverlapping(track, m_progress);
+        addCount(Tr::tr("items that overlap others of their track, and may hide them: %1"), overlapping);
         m_warnings.addTo(m_document);
         return std::move(m_document);
     }

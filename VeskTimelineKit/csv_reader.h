@@ -32,6 +32,8 @@ namespace VeskTimeline::Kit {
 /// fields past the last column do not count. A record with times outside the years 1 to 9999 is left out with a
 /// warning.
 ///
+/// Items of a track that overlap stay in it; a warning has their number.
+///
 /// A file that has the names above for its columns is refused as a whole, with the line and the reason, for anything
 /// else that is wrong in it, also an end before its start. One that has other names for them is refused only for what
 /// makes the rest meaningless; records that are wrong are left out with a warning each.

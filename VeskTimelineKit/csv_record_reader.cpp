@@ -31,8 +31,7 @@ void assignUtf8(QString& target, std::string_view text)
         target.resize(size);
     else
         target = QString(size, Qt::Uninitialized);
-    std::transform(text.begin(), text.end(), target.begin(),
-                   [](char c) { return QLatin1Char(c); });
+    std::transform(text.begin(), text.end(), target.begin(), [](char c) { return QLatin1Char(c); });
 }
 
 bool isBlank(const QByteArray& line)

@@ -63,7 +63,7 @@ private:
     QByteArray m_block;
     qsizetype m_position = 0;
     qsizetype m_nextLineFeed = -1; // in the block, at or behind the position; before it: not looked for yet
-    QStringList m_fields; // with those of the record before behind m_fieldCount, until the record ends
+    QStringList m_fields;          // with those of the record before behind m_fieldCount, until the record ends
     qsizetype m_fieldCount = 0;
     int m_line = 0;
     int m_recordLine = 0;

@@ -216,8 +216,8 @@ bool JsonRecordReader::readRecord()
     return false;
 }
 
-// Nearly all records are objects of some hundred bytes that lie in the chunk as a whole, and are good: they are found in
-// one go. False for any other, of which nothing is taken then.
+// Nearly all records are objects of some hundred bytes that lie in the chunk as a whole, and are good: they are found
+// in one go. False for any other, of which nothing is taken then.
 bool JsonRecordReader::takeObjectInChunk()
 {
     if (peek() != '{')

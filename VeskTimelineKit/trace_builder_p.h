@@ -52,8 +52,8 @@ private:
     ByteTextMap<std::uint32_t> m_asyncSeries;
     std::string m_seriesKey;
     std::vector<TraceMark> m_marks;
-    QMap<QString, int> m_leftOut;               // with their number
-    std::array<int*, 256> m_leftOutOfPhase{};   // in it, of those that have come
+    QMap<QString, int> m_leftOut;             // with their number
+    std::array<int*, 256> m_leftOutOfPhase{}; // in it, of those that have come
     QString m_lastReason;
     int m_records = 0;
     int m_events = 0;

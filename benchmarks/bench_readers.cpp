@@ -110,13 +110,13 @@ QByteArray traceOfSlices()
 {
     QByteArray text = "{\"traceEvents\":[";
     for (int i = 0; i < 300'000; ++i)
-        text += QByteArray(i > 0 ? "," : "") + "\n{\"args\":{\"data\":{\"type\":\"mark\",\"id\":" +
-                QByteArray::number(i % 200) +
-                "}},\"cat\":\"devtools.timeline\",\"dur\":" + QByteArray::number(5 + i % 50) +
-                ",\"name\":\"FunctionCall " + QByteArray::number(i % 1000) +
-                "\",\"ph\":\"X\",\"pid\":" + QByteArray::number(1000 + i % 4) + ",\"tdur\":3,\"tid\":" +
-                QByteArray::number(2000 + i % 13) + ",\"ts\":" + QByteArray::number(1'474'187'323 + i * 3LL) +
-                ",\"tts\":" + QByteArray::number(i * 2LL) + '}';
+        text +=
+            QByteArray(i > 0 ? "," : "") +
+            "\n{\"args\":{\"data\":{\"type\":\"mark\",\"id\":" + QByteArray::number(i % 200) +
+            "}},\"cat\":\"devtools.timeline\",\"dur\":" + QByteArray::number(5 + i % 50) + ",\"name\":\"FunctionCall " +
+            QByteArray::number(i % 1000) + "\",\"ph\":\"X\",\"pid\":" + QByteArray::number(1000 + i % 4) +
+            ",\"tdur\":3,\"tid\":" + QByteArray::number(2000 + i % 13) +
+            ",\"ts\":" + QByteArray::number(1'474'187'323 + i * 3LL) + ",\"tts\":" + QByteArray::number(i * 2LL) + '}';
     return text + "\n],\"displayTimeUnit\":\"ms\"}";
 }
 

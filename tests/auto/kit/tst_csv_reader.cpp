@@ -1,7 +1,9 @@
 #include <VeskTimelineKit/csv_reader.h>
 
 #include <QBuffer>
+#include <QDateTime>
 #include <QFile>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -207,8 +209,8 @@ private Q_SLOTS:
 
     void otherColumnsBecomeAttributes()
     {
-        const auto result = read("track,note,label,start,end,,description,Note\nA,abc,x,1,2,z,more,\nA,,y,1,2\n");
-        QCOMPARE(itemTexts(result), (QStringList{"A: x 1+1", "A: y 1+1"}));
+        const auto result = read("track,note,label,start,end,,description,Note\nA,abc,x,1,2,z,more,\nA,,y,2,3\n");
+        QCOMPARE(itemTexts(result), (QStringList{"A: x 1+1", "A: y 2+1"}));
         QCOMPARE(result.value().warnings(), QStringList());
         const std::vector<DocumentItem>& items = result.value().tracks().front().items;
         QCOMPARE(items[0].attributes, (QMap<QString, QString>{{"note", "abc"}, {"column 6", "z"}}));
@@ -308,6 +310,93 @@ private Q_SLOTS:
         const auto result = read(header + "A,x,1970-01-01T00:00:00.0015Z,1970-01-01T00:00:00.0035Z\n");
         QCOMPARE(itemTexts(result), QStringList{"A: x 1+2"});
         QCOMPARE(result.value().warnings(), QStringList{"f.csv: times cut to whole milliseconds: 2"});
+    }
+
+    // Most are read at fixed places; with a fraction behind them they are not.
+    void timesAreTheSameWhicheverWayTheyAreRead()
+    {
+        QRandomGenerator random(20150302);
+        QByteArray text = header;
+        for (int i = 0; i < 20'000; ++i) {
+            const auto number = [&random](int from, int to) { return random.bounded(from, to + 1); };
+            const QString time =
+                QString::asprintf("%04d-%02d-%02d%c%02d:%02d:%02d", number(1, 9998), number(1, 12), number(1, 28),
+                                  i % 2 == 0 ? 'T' : ' ', number(0, 23), number(0, 59), number(0, 59));
+            const QString zone =
+                i % 3 == 0 ? "Z"
+                           : QString::asprintf("%c%02d:%02d", i % 5 == 0 ? '-' : '+', number(0, 14), number(0, 59));
+            text += QString("A,%1%2,%1%2,%1.0%2\n").arg(time, zone).toLatin1();
+        }
+        const auto result = read(text);
+        QVERIFY2(result, qPrintable(result ? QString() : result.error().text()));
+        QCOMPARE(result.value().itemCount(), 20'000);
+        for (const DocumentItem& item : result.value().tracks().front().items) {
+            QVERIFY2(item.duration == 0, qPrintable(item.label));
+            QString iso = item.label;
+            iso[10] = 'T';
+            QCOMPARE(item.start, QDateTime::fromString(iso, Qt::ISODate).toMSecsSinceEpoch());
+        }
+    }
+
+    void timesThatAreNoneAreNotReadAtFixedPlaces_data()
+    {
+        QTest::addColumn<QByteArray>("time");
+        for (const char* const time :
+             {"2015-02-29T08:15:00Z", "2015-04-31T08:15:00Z", "2015-13-01T08:15:00Z", "2015-00-01T08:15:00Z",
+              "2015-01-00T08:15:00Z", "0000-01-01T08:15:00Z", "2015-01-01T25:00:00Z", "2015-01-01T08:60:00Z",
+              "2015-01-01T08:00:60Z", "2015-01-01T08:00:00+24:00", "2015-01-01T08:00:00+01:60", "2015-01-01T08:00:0xZ",
+              "2o15-01-01T08:00:00Z", "2015-01-01T08:00:00Q", "2015-01-01T08:00:00+01;00"})
+            QTest::newRow(time) << QByteArray(time);
+    }
+    void timesThatAreNoneAreNotReadAtFixedPlaces()
+    {
+        QFETCH(QByteArray, time);
+        const auto result = read(header + "A,x," + time + ",\n");
+        QVERIFY(!result);
+        QVERIFY2(result.error().text().startsWith("f.csv:2: bad start"), qPrintable(result.error().text()));
+    }
+
+    void daysOfTheLongMonthsAreRead()
+    {
+        QCOMPARE(itemTexts(read(header + "A,x,2016-02-29T24:00:00Z,2016-03-31T00:00:00Z\n")),
+                 QStringList{"A: x 1456790400000+2592000000"});
+    }
+
+    // The room of a field is used again for the next record, unless an item has taken the text.
+    void fieldsOfARecordDoNotShineThroughInTheNext()
+    {
+        const auto result = read("track,label,start,end,note\nAa,first label,1,2,\xC3\xA4\xC3\xB6\nAa,b,3,4,"
+                                 "\nC,,5,6,long note\nC,third,7,8\n");
+        QCOMPARE(itemTexts(result), (QStringList{"Aa: first label 1+1", "Aa: b 3+1", "C:  5+1", "C: third 7+1"}));
+        const auto attributes = [&result](std::size_t track, std::size_t item) {
+            return result.value().tracks()[track].items[item].attributes;
+        };
+        QCOMPARE(attributes(0, 0), (QMap<QString, QString>{{"note", "äö"}}));
+        QCOMPARE(attributes(0, 1), (QMap<QString, QString>()));
+        QCOMPARE(attributes(1, 0), (QMap<QString, QString>{{"note", "long note"}}));
+        QCOMPARE(attributes(1, 1), (QMap<QString, QString>()));
+    }
+
+    void itemsThatOverlapInATrackAreCounted_data()
+    {
+        QTest::addColumn<QByteArray>("records");
+        QTest::addColumn<int>("count");
+        QTest::newRow("one after the other") << QByteArray("A,a,1,3\nA,b,3,4\n") << 0;
+        QTest::newRow("in different tracks") << QByteArray("A,a,1,3\nB,b,2,4\n") << 0;
+        QTest::newRow("within another") << QByteArray("A,a,1,9\nA,b,2,3\nA,c,4,5\n") << 2;
+        QTest::newRow("in any order") << QByteArray("A,a,5,7\nA,b,1,6\n") << 1;
+        QTest::newRow("behind one that never ends") << QByteArray("A,a,1,\nA,b,100,200\n") << 1;
+        QTest::newRow("points at the same time") << QByteArray("A,a,1,1\nA,b,1,1\n") << 1;
+        QTest::newRow("a point where another begins") << QByteArray("A,a,1,1\nA,b,2,3\n") << 0;
+    }
+    void itemsThatOverlapInATrackAreCounted()
+    {
+        QFETCH(QByteArray, records);
+        QFETCH(int, count);
+        const auto result = read(header + records);
+        QVERIFY(result);
+        const QString warning = "f.csv: items that overlap others of their track, and may hide them: %1";
+        QCOMPARE(result.value().warnings(), count > 0 ? QStringList{warning.arg(count)} : QStringList());
     }
 
     void aHeaderAloneIsAnEmptyDocument()

@@ -97,14 +97,30 @@ private Q_SLOTS:
         QFile::remove(name);
     }
 
-    void manyProcessesOfATrace()
+    // Each makes something of its own that the reader has to keep apart.
+    void aMillionRecordsOfATrace_data()
     {
+        QTest::addColumn<QByteArray>("record");
+        const auto add = [](const char* name, const char* record) { QTest::newRow(name) << QByteArray(record); };
+        add("processes", R"({"ph":"X","name":"a","ts":1,"dur":2,"tid":1,"pid":#})");
+        add("threads", R"({"ph":"X","name":"a","ts":1,"dur":2,"tid":#,"pid":1})");
+        add("names", R"({"ph":"X","name":"name #","ts":#,"dur":2,"tid":1,"pid":1})");
+        add("arguments", R"({"ph":"X","name":"a","ts":#,"dur":2,"tid":1,"pid":1,"args":{"k#":"v#"}})");
+        add("beginnings", R"({"ph":"B","name":"name #","ts":#,"tid":1,"pid":1})");
+        add("open asynchronous ids", R"({"ph":"b","cat":"c","id":"0x#","name":"name #","ts":#,"tid":1,"pid":1})");
+        add("ends of asynchronous ids", R"({"ph":"e","cat":"c","id":"0x#","name":"n","ts":#,"tid":1,"pid":1})");
+        add("categories", R"({"ph":"b","cat":"c#","id":"0x#","name":"n","ts":#,"tid":1,"pid":1})");
+        add("names of threads", R"({"ph":"M","name":"thread_name","tid":#,"pid":1,"args":{"name":"t#"}})");
+        add("kinds of metadata", R"({"ph":"M","name":"m#","tid":1,"pid":1,"args":{"name":"t#"}})");
+    }
+    void aMillionRecordsOfATrace()
+    {
+        QFETCH(QByteArray, record);
         QFile file(m_dir.filePath("many.json"));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("[");
         for (int i = 0; i < 1000000; ++i)
-            file.write("{\"ph\":\"X\",\"name\":\"a\",\"ts\":1,\"dur\":2,\"tid\":1,\"pid\":" + QByteArray::number(i) +
-                       "},\n");
+            file.write(QByteArray(record).replace('#', QByteArray::number(i)) + ",\n");
         file.write("{}]");
         file.close();
         check(file.fileName());
