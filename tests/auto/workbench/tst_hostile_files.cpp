@@ -102,16 +102,20 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("record");
         const auto add = [](const char* name, const char* record) { QTest::newRow(name) << QByteArray(record); };
-        add("processes", R"({"ph":"X","name":"a","ts":1,"dur":2,"tid":1,"pid":#})");
-        add("threads", R"({"ph":"X","name":"a","ts":1,"dur":2,"tid":#,"pid":1})");
-        add("names", R"({"ph":"X","name":"name #","ts":#,"dur":2,"tid":1,"pid":1})");
-        add("arguments", R"({"ph":"X","name":"a","ts":#,"dur":2,"tid":1,"pid":1,"args":{"k#":"v#"}})");
-        add("beginnings", R"({"ph":"B","name":"name #","ts":#,"tid":1,"pid":1})");
-        add("open asynchronous ids", R"({"ph":"b","cat":"c","id":"0x#","name":"name #","ts":#,"tid":1,"pid":1})");
-        add("ends of asynchronous ids", R"({"ph":"e","cat":"c","id":"0x#","name":"n","ts":#,"tid":1,"pid":1})");
-        add("categories", R"({"ph":"b","cat":"c#","id":"0x#","name":"n","ts":#,"tid":1,"pid":1})");
-        add("names of threads", R"({"ph":"M","name":"thread_name","tid":#,"pid":1,"args":{"name":"t#"}})");
-        add("kinds of metadata", R"({"ph":"M","name":"m#","tid":1,"pid":1,"args":{"name":"t#"}})");
+        add("processes", "{\"ph\":\"X\",\"name\":\"a\",\"ts\":1,\"dur\":2,\"tid\":1,\"pid\":#}");
+        add("threads", "{\"ph\":\"X\",\"name\":\"a\",\"ts\":1,\"dur\":2,\"tid\":#,\"pid\":1}");
+        add("names", "{\"ph\":\"X\",\"name\":\"name #\",\"ts\":#,\"dur\":2,\"tid\":1,\"pid\":1}");
+        add("arguments",
+            "{\"ph\":\"X\",\"name\":\"a\",\"ts\":#,\"dur\":2,\"tid\":1,\"pid\":1,\"args\":{\"k#\":\"v#\"}}");
+        add("beginnings", "{\"ph\":\"B\",\"name\":\"name #\",\"ts\":#,\"tid\":1,\"pid\":1}");
+        add("open asynchronous ids",
+            "{\"ph\":\"b\",\"cat\":\"c\",\"id\":\"0x#\",\"name\":\"name #\",\"ts\":#,\"tid\":1,\"pid\":1}");
+        add("ends of asynchronous ids",
+            "{\"ph\":\"e\",\"cat\":\"c\",\"id\":\"0x#\",\"name\":\"n\",\"ts\":#,\"tid\":1,\"pid\":1}");
+        add("categories", "{\"ph\":\"b\",\"cat\":\"c#\",\"id\":\"0x#\",\"name\":\"n\",\"ts\":#,\"tid\":1,\"pid\":1}");
+        add("names of threads",
+            "{\"ph\":\"M\",\"name\":\"thread_name\",\"tid\":#,\"pid\":1,\"args\":{\"name\":\"t#\"}}");
+        add("kinds of metadata", "{\"ph\":\"M\",\"name\":\"m#\",\"tid\":1,\"pid\":1,\"args\":{\"name\":\"t#\"}}");
     }
     void aMillionRecordsOfATrace()
     {
