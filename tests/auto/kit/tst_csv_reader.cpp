@@ -88,7 +88,7 @@ private Q_SLOTS:
         QByteArray text = header;
         for (int i = 0; i < 1010; ++i)
             text += QByteArray("t" + QByteArray::number(i) + "/").repeated(99) + "z,a,1,2\n";
-        text += QByteArray("t0/").repeated(99) + "z,b,1,2\n";
+        text += QByteArray("t0/").repeated(99) + "z,b,2,3\n";
         const auto result = read(text);
         QVERIFY(result);
         QCOMPARE(result.value().tracks().size(), Document::mostTracks);
