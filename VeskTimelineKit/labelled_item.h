@@ -32,8 +32,9 @@ using TimeFormatter = std::function<QString(qint64)>;
 /// is easier to read on the item's colour.
 ///
 /// However short an item is, there is something to see: an item without duration, and one whose bar would be narrower
-/// than its marker, shows as a diamond on a line at its start. An open-ended item reaches to the right end of the
-/// painter's clip, where an arrow says that it goes on. Nothing is painted of items that lie wholly outside the cell.
+/// than its marker, shows as a diamond on a line at its start; the edges of one with nearly the colour of the row, or
+/// none at all, stand out from it. An open-ended item reaches to the right end of the painter's clip, where an arrow
+/// says that it goes on. Nothing is painted of items that lie wholly outside the cell.
 class VESKTIMELINEKIT_EXPORT LabelledItem : public Item
 {
 public:
@@ -76,10 +77,12 @@ private:
     friend class StandardTimelineModel;
 
     void setIds(int id, int parentTrackId);
-    void paintBar(QPainter* painter, const QRect& bar, bool isSelected) const;
-    void paintMarker(QPainter* painter, const QRect& bar, bool isSelected) const;
-    void paintArrow(QPainter* painter, const QRect& bar) const;
-    void paintLabel(QPainter* painter, const QStyleOptionViewItem& option, const QRect& bar) const;
+    QString pieceText() const;
+    // `row` is the colour behind the item, `seen` what that makes of the item's.
+    void paintBar(QPainter* painter, const QRect& bar, const QColor& edge, bool isSelected) const;
+    void paintMarker(QPainter* painter, const QRect& bar, const QColor& row, bool isSelected) const;
+    static void paintArrow(QPainter* painter, const QRect& bar, const QColor& seen);
+    void paintLabel(QPainter* painter, const QRect& bar, const QColor& seen) const;
 
     QString m_label;
     QString m_description;

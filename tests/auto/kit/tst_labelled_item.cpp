@@ -1,5 +1,7 @@
 #include <VeskTimelineKit/labelled_item.h>
 
+#include <QElapsedTimer>
+#include <QFontMetrics>
 #include <QImage>
 #include <QModelIndex>
 #include <QPainter>
@@ -16,15 +18,15 @@ const QColor orange(245, 133, 24);
 const QColor navy(20, 30, 90);
 
 // The item as a view's delegate has it painted: with its own rectangle, clipped to the cell.
-QImage painted(const LabelledItem& item, const QRect& rect, bool isSelected = false)
+QImage painted(const LabelledItem& item, const QRect& rect, bool isSelected = false, const QColor& row = Qt::white)
 {
     QImage image(cell.size(), QImage::Format_RGB32);
-    image.fill(Qt::white);
+    image.fill(row);
     QPainter painter(&image);
     painter.setClipRect(cell);
     QStyleOptionViewItem option;
     option.rect = rect;
-    option.palette.setColor(QPalette::Base, Qt::white);
+    option.palette.setColor(QPalette::Base, row);
     item.paint(&painter, option, QModelIndex(), isSelected);
     return image;
 }
@@ -57,6 +59,13 @@ int pixelsLike(const QImage& image, const QColor& color)
     return count;
 }
 
+// The greatest difference of a part of the colours.
+int difference(const QColor& left, const QColor& right)
+{
+    return std::max({std::abs(left.red() - right.red()), std::abs(left.green() - right.green()),
+                     std::abs(left.blue() - right.blue())});
+}
+
 // Rectangle of an item as ItemDelegate computes it from the pixels of start and end.
 QRect barRect(int start, int end)
 {
@@ -85,6 +94,81 @@ private Q_SLOTS:
         const QImage image = painted(LabelledItem("", 0, 1000, orange, true), barRect(20, 120), true);
         QCOMPARE(image.pixelColor(20, 25), Item::s_highlightColor);
         QCOMPARE(image.pixelColor(70, 25), orange);
+    }
+
+    void theLabelOfASelectedItemIsReadAsBefore()
+    {
+        const LabelledItem item("MMMM", 0, 1000, navy, true);
+        const QRect inside(24, 8, 90, 34);
+        QCOMPARE(painted(item, barRect(20, 120), true).copy(inside), painted(item, barRect(20, 120)).copy(inside));
+    }
+
+    void aSelectedMarkerIsOutlinedInTheHighlightColour()
+    {
+        const QImage plain = painted(LabelledItem("", 0, 0, orange, true), barRect(100, 100));
+        const QImage selected = painted(LabelledItem("", 0, 0, orange, true), barRect(100, 100), true);
+        QCOMPARE(selected.pixelColor(95, 25), Item::s_highlightColor);
+        QCOMPARE(selected.pixelColor(105, 25), Item::s_highlightColor);
+        QVERIFY(plain.pixelColor(95, 25) != Item::s_highlightColor);
+    }
+
+    void itemsOfTheColourOfTheRowAreSeenByTheirEdges_data()
+    {
+        QTest::addColumn<QColor>("color");
+        QTest::addColumn<QColor>("row");
+        const QColor dark(30, 30, 30);
+        QTest::newRow("white on white") << QColor(Qt::white) << QColor(Qt::white);
+        QTest::newRow("nothing on white") << QColor(Qt::transparent) << QColor(Qt::white);
+        QTest::newRow("faint on white") << QColor(0, 0, 0, 10) << QColor(Qt::white);
+        QTest::newRow("black on dark") << QColor(Qt::black) << dark;
+        QTest::newRow("dark on dark") << dark << dark;
+        QTest::newRow("nothing on dark") << QColor(Qt::transparent) << dark;
+        QTest::newRow("navy on dark") << QColor(20, 20, 60) << dark;
+        QTest::newRow("grey on grey") << QColor(Qt::gray) << QColor(Qt::gray);
+    }
+    void itemsOfTheColourOfTheRowAreSeenByTheirEdges()
+    {
+        QFETCH(QColor, color);
+        QFETCH(QColor, row);
+        constexpr int clear = 60;
+        const QImage bar = painted(LabelledItem("", 0, 1000, color, true), barRect(20, 120), false, row);
+        QVERIFY(difference(bar.pixelColor(20, 25), row) >= clear);
+        QVERIFY(difference(bar.pixelColor(119, 25), row) >= clear);
+        const QImage marker = painted(LabelledItem("", 0, 0, color, true), barRect(100, 100), false, row);
+        QVERIFY(difference(marker.pixelColor(100, 6), row) >= clear);
+        // Left of the line; the edges of the diamond are soft.
+        int most = 0;
+        for (int x = 94; x < 99; ++x)
+            most = std::max(most, difference(marker.pixelColor(x, 25), row));
+        QVERIFY2(most >= clear / 2, qPrintable(QString::number(most)));
+    }
+
+    void thePieceOfALongItemSaysWhichItIs()
+    {
+        LabelledItem piece("Ice", 0, 1000, orange, true);
+        piece.setPiece({7, 2, 3});
+        const LabelledItem said("Ice (2/3)", 0, 1000, orange, true);
+        QCOMPARE(painted(piece, barRect(20, 180)), painted(said, barRect(20, 180)));
+        // The label is shortened before that is left out.
+        const int width = QFontMetrics(QFont()).horizontalAdvance("Ice aaaaaaa (2/3)");
+        piece.setLabel("Ice aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa");
+        const QRect end(QPoint(20 + width / 2, 5), QPoint(20 + width, 44));
+        LabelledItem other = piece;
+        other.setPiece({7, 3, 3});
+        QVERIFY(painted(piece, barRect(20, 28 + width)).copy(end) != painted(other, barRect(20, 28 + width)).copy(end));
+        piece.setLabel("");
+        QCOMPARE(painted(piece, barRect(20, 180)),
+                 painted(LabelledItem("(2/3)", 0, 1000, orange, true), barRect(20, 180)));
+    }
+
+    void ofAnEndlessLabelNoMoreIsLookedAtThanIsShown()
+    {
+        const LabelledItem endless(QString(10'000'000, 'x'), 0, 1000, orange, true);
+        const LabelledItem longer(QString(1000, 'x'), 0, 1000, orange, true);
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(painted(endless, barRect(20, 180)), painted(longer, barRect(20, 180)));
+        QVERIFY2(clock.elapsed() < 100, qPrintable(QString::number(clock.elapsed())));
     }
 
     void theLabelStaysInsideTheBar()
@@ -196,6 +280,11 @@ private Q_SLOTS:
         QCOMPARE(image.pixelColor(185, 25), orange);
         const QImage closed = painted(LabelledItem("", 0, 1000, orange, true), barRect(50, 200));
         QCOMPARE(closed.pixelColor(195, 25), orange);
+        // It is seen on any colour.
+        for (const QColor& color : {QColor(Qt::black), QColor(140, 15, 15), QColor(Qt::white), QColor(Qt::gray)}) {
+            const QImage other = painted(LabelledItem("", 0, -1, color, true), barRect(50, 49));
+            QVERIFY(difference(other.pixelColor(195, 25), color) > 60);
+        }
         // No room for it.
         const QImage narrow = painted(open, barRect(190, 189));
         QCOMPARE(narrow.pixelColor(196, 25), orange);
