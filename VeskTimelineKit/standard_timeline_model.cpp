@@ -133,20 +133,19 @@ void StandardTimelineModel::setOverlapPolicy(OverlapPolicy policy)
     d->overlapPolicy = policy;
 }
 
-bool StandardTimelineModel::isFree(const Item& item, int trackId, qint64 start, int duration) const
+bool StandardTimelineModel::isFree(int trackId, qint64 start, int duration, const QVector<int>& ignoredIds) const
 {
-    if (d->overlapPolicy == AllowOverlaps)
-        return true;
-    QVector<int> ignored{item.id()};
-    if (d->view && d->view->isItemSelected(item.id()))
-        ignored = d->view->selectedItemIds();
-    return !track(trackId)->isItemsBetween(start, start + duration, ignored, true, false, false);
+    return d->overlapPolicy == AllowOverlaps ||
+           !track(trackId)->isItemsBetween(start, start + duration, ignoredIds, true, false, false);
 }
 
 bool StandardTimelineModel::canDropItem(const Item& item, int trackId, qint64 start) const
 {
     const auto* const labelled = dynamic_cast<const LabelledItem*>(&item);
-    return !(labelled && labelled->piece().isPiece()) && isFree(item, trackId, start, item.duration());
+    if (labelled && labelled->piece().isPiece())
+        return false;
+    const bool movesAlong = d->view && d->view->isItemSelected(item.id());
+    return isFree(trackId, start, item.duration(), movesAlong ? d->view->selectedItemIds() : QVector<int>{item.id()});
 }
 
 bool StandardTimelineModel::canMoveItem(const Item& item, qint64 start) const
@@ -158,7 +157,7 @@ bool StandardTimelineModel::canResizeItem(const Item& item, qint64 start, int du
 {
     const auto* const labelled = dynamic_cast<const LabelledItem*>(&item);
     return !(labelled && labelled->piece().isPiece()) && duration >= minimumDuration() &&
-           isFree(item, item.parentTrackId(), start, duration);
+           isFree(item.parentTrackId(), start, duration, {item.id()});
 }
 
 } // namespace VeskTimeline::Kit

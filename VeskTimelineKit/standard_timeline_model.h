@@ -185,7 +185,8 @@ public:
     /// since they move along.
     bool canDropItem(const Item& item, int trackId, qint64 start) const override;
     bool canMoveItem(const Item& item, qint64 start) const override;
-    /// As canMoveItem(), and not for a duration below minimumDuration().
+    /// Not for pieces of a long item, for a duration below minimumDuration(), nor against the overlap policy, for
+    /// which all other items count, selected ones, too.
     bool canResizeItem(const Item& item, qint64 start, int duration) const override;
 
     /// See TimelineModel; the copies keep their labels, descriptions, attributes and colours.
@@ -258,7 +259,7 @@ private:
     void recordPasted(int firstNewId);
     std::map<int, Items> takePasted(qint64 time);
 
-    bool isFree(const Item& item, int trackId, qint64 start, int duration) const;
+    bool isFree(int trackId, qint64 start, int duration, const QVector<int>& ignoredIds) const;
     void refuseOverlapsOfPaste(qint64 time) const;
     const LabelledItem* labelledItem(int itemId) const;
     static QString newTrackName(const Track& parent);

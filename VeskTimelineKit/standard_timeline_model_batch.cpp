@@ -74,7 +74,7 @@ void StandardTimelineModel::rearrange(const QSet<int>& trackIds, const std::vect
     if (done.changed.isEmpty())
         return;
     for (const int id : std::as_const(done.changed))
-        d->step->noteItem(id);
+        d->step->noteItem(*item(id));
     d->step->add(std::make_unique<ItemsPlacement>(std::move(done.trackIds), std::move(done.former)));
 }
 

@@ -78,7 +78,7 @@ void StandardTimelineModel::recordPasted(int firstNewId)
             pasted.setColor(ModelContents::colorOf(target));
         positions[target.id()].push_back(d->contents.positionOf(pasted));
         d->contents.noteAdded(pasted);
-        d->step->noteItem(pasted.id());
+        d->step->noteItem(pasted);
     }
     for (auto& [trackId, places] : positions) {
         std::sort(places.begin(), places.end());

@@ -11,13 +11,14 @@ void StandardTimelineModel::changeDetails(StepKind kind, const QVector<int>& ite
     StepScope scope(*d, kind);
     std::vector<std::pair<int, ItemDetails>> changed;
     for (const int id : withAllPieces(separate)) {
-        const ItemDetails before = ModelContents::itemDetails(*item(id));
+        const Item& told = *item(id);
+        const ItemDetails before = ModelContents::itemDetails(told);
         ItemDetails after = before;
         body(after);
         if (after == before)
             continue;
         changed.emplace_back(id, std::move(after));
-        d->step->noteItem(id);
+        d->step->noteItem(told);
     }
     if (!changed.empty())
         d->perform(std::make_unique<ItemDetailsChange>(std::move(changed)));

@@ -59,14 +59,17 @@ void StandardTimelineModel::addDocument(PreparedDocument&& document)
 {
     Q_ASSERT(document.m_tree);
     const std::unique_ptr<ModelTree> tree = std::move(document.m_tree);
-    StepScope scope(*d, StepKind::Other, tr("Add %n tracks", nullptr, static_cast<int>(tree->trackCache.size())));
     // Parents come before their children.
     QHash<int, int> newIds{{m_rootTrack.id(), m_rootTrack.id()}};
+    int newTracks = 0;
     for (const auto& [id, added] : tree->trackCache) {
         const auto parent = m_trackCache.find(newIds.value(added->parentId()));
         const Track* const same = parent != m_trackCache.end() ? childNamed(*parent->second, added->text()) : nullptr;
         newIds.insert(id, same ? same->id() : nextFreeTrackId());
+        newTracks += same ? 0 : 1;
     }
+    const QString text = newTracks == 1 ? tr("Add track") : tr("Add %n tracks", nullptr, newTracks);
+    StepScope scope(*d, newTracks > 0 ? StepKind::Other : StepKind::Add, text);
     const NewNumbers numbers{newIds, std::exchange(m_currentItemId, m_currentItemId + tree->nextItemId),
                              std::exchange(d->nextWhole, d->nextWhole + tree->nextWhole)};
     addTree(std::move(tree->tracks), numbers);

@@ -52,7 +52,7 @@ void StandardTimelineModel::putNewItems(int trackId, Items&& items)
     added.reserve(items.size());
     for (const ItemPtr& item : items) {
         added.push_back(item.get());
-        d->step->noteItem(item->id());
+        d->step->noteItem(*item);
     }
     Positions positions = positionsBehind(track(trackId)->items(), added);
     d->perform(std::make_unique<ItemsChange>(trackId, std::move(positions), std::move(items)));
@@ -98,7 +98,7 @@ void StandardTimelineModel::removeFromModel(const QVector<int>& itemIds)
     for (const auto& [trackId, ids] : itemsByTrack(*this, itemIds)) {
         dropCopies(*track(trackId), QSet<int>(ids.begin(), ids.end()), nullptr);
         for (const int id : ids)
-            d->step->noteItem(id);
+            d->step->noteItem(*item(id));
         d->perform(std::make_unique<ItemsChange>(trackId, positionsOf(trackId, ids)));
     }
 }

@@ -220,7 +220,7 @@ void StandardTimelineModel::moveItemsToTrack(const QVector<int>& itemIds, int tr
         for (const int position : from)
             moved.push_back(track(fromId)->items()[static_cast<std::size_t>(position)].get());
         for (const Item* const item : moved)
-            d->step->noteItem(item->id());
+            d->step->noteItem(*item);
         Positions to = positionsBehind(target.items(), moved);
         d->perform(std::make_unique<ItemsMove>(fromId, std::move(from), trackId, std::move(to)));
     }

@@ -295,6 +295,7 @@ void ModelContents::leaveSubtree(Track& track)
         leaveSubtree(*child);
     noteRemoved(track.items());
     m_model.m_trackCache.erase(track.id());
+    m_model.d->extents.remove(track.id());
 }
 
 TrackPtr ModelContents::takeTrack(const TrackPlace& place)

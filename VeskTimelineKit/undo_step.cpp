@@ -80,6 +80,13 @@ void UndoStep::add(std::unique_ptr<Change> change)
     m_changes.push_back(std::move(change));
 }
 
+void UndoStep::noteItem(const Item& item)
+{
+    const auto* const labelled = dynamic_cast<const LabelledItem*>(&item);
+    const bool isPiece = labelled && labelled->piece().isPiece();
+    m_itemIds.insert(isPiece ? -1 - labelled->piece().whole : item.id());
+}
+
 void UndoStep::dropLastIfNothing()
 {
     if (!m_changes.empty() && m_changes.back()->isNothing(m_contents))

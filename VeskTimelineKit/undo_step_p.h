@@ -37,7 +37,8 @@ public:
     void add(std::unique_ptr<Change> change);
     /// For right after the last change: forgets it when it leaves its item as it was.
     void dropLastIfNothing();
-    void noteItem(int itemId) { m_itemIds.insert(itemId); }
+    /// Counts the item in the text; the pieces of a long one are one.
+    void noteItem(const Item& item);
     bool isEmpty() const { return m_changes.empty(); }
     StepKind kind() const { return m_kind; }
     /// @param gesture the same for all steps that may become one; 0 for none
@@ -61,6 +62,7 @@ private:
     ModelContents& m_contents;
     StepKind m_kind;
     std::vector<std::unique_ptr<Change>> m_changes;
+    /// Negative ones stand for long items.
     IdSet m_itemIds;
     int m_gesture = 0;
     bool m_isHeld = false;

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <VeskTimelineKit/labelled_item.h>
+#include <VeskTimelineKit/prepared_document.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QAbstractItemModelTester>
 #include <QRandomGenerator>
 #include <QTest>
+
+#include <algorithm>
 
 /// A model and somebody who works on it at random.
 namespace RandomUse {
@@ -12,7 +16,40 @@ namespace RandomUse {
 using namespace VeskTimeline;
 using namespace VeskTimeline::Kit;
 
-/// Follows the item signals, so that what they say can be compared with what there is.
+/// All that undo is to restore of an item, as text.
+inline QString textOf(const Item& item)
+{
+    const auto& labelled = dynamic_cast<const LabelledItem&>(item);
+    QStringList attributes;
+    for (auto entry = labelled.attributes().begin(); entry != labelled.attributes().end(); ++entry)
+        attributes.append(entry.key() + '=' + entry.value());
+    return QString("%1@%2:%3+%4 '%5' '%6' %7 %8 %9")
+        .arg(item.id())
+        .arg(item.parentTrackId())
+        .arg(item.startTime())
+        .arg(item.duration())
+        .arg(labelled.label(), labelled.description(), attributes.join(','),
+             (labelled.hasOwnColor() ? "" : "~") + item.color().name(QColor::HexArgb),
+             item.isEditable() ? "free" : "locked");
+}
+
+/// The same of a track without its place and those below it.
+inline QString textOf(const StandardTimelineModel& model, const Track& track)
+{
+    QList<int> copies(track.copyItemIds().begin(), track.copyItemIds().end());
+    std::sort(copies.begin(), copies.end());
+    QStringList copyTexts;
+    for (const int id : copies)
+        copyTexts.append(QString::number(id));
+    QString text =
+        QString("'%1' %2 copies %3\n").arg(track.text(), model.colorOfTrack(track.id()).name(), copyTexts.join(','));
+    for (const ItemPtr& item : track.items())
+        text += textOf(*item) + '\n';
+    return text;
+}
+
+/// Follows the signals, as a view or a list of the items would: what it has seen by them can be compared with what
+/// there is.
 class Model : public StandardTimelineModel
 {
 public:
@@ -21,32 +58,61 @@ public:
         new QAbstractItemModelTester(this, QAbstractItemModelTester::FailureReportingMode::QtTest, this);
         connect(this, &StandardTimelineModel::itemsAdded, this, [this](const QVector<int>& ids) {
             for (const int id : ids) {
-                QVERIFY(!m_known.contains(id));
-                m_known.insert(id);
+                QVERIFY(!m_seenItems.contains(id));
+                lookAtItem(id);
             }
         });
         connect(this, &StandardTimelineModel::itemsRemoved, this, [this](const QVector<int>& ids) {
             for (const int id : ids)
-                QVERIFY(m_known.remove(id));
+                QVERIFY(m_seenItems.remove(id));
         });
         connect(this, &StandardTimelineModel::itemsChanged, this, [this](const QVector<int>& ids) {
-            for (const int id : ids)
-                QVERIFY(m_known.contains(id));
+            for (const int id : ids) {
+                QVERIFY(m_seenItems.contains(id));
+                lookAtItem(id);
+            }
         });
+        connect(this, &QAbstractItemModel::dataChanged, this,
+                [this](const QModelIndex& row) { lookAtTrack(*trackOfIndex(row)); });
+        connect(this, &QAbstractItemModel::rowsInserted, this,
+                [this](const QModelIndex& parent, int row) { lookAtSubtree(*trackOfIndex(index(row, 0, parent))); });
         connect(this, &QAbstractItemModel::modelReset, this, [this] {
-            const QVector<int> ids = itemIds();
-            m_known = QSet<int>(ids.begin(), ids.end());
+            m_seenItems.clear();
+            m_seenTracks.clear();
+            for (const int id : itemIds())
+                lookAtItem(id);
+            for (const TrackPtr& track : rootTrack()->tracks())
+                lookAtSubtree(*track);
         });
     }
 
-    /// The ids by the signals.
-    const QSet<int>& known() const { return m_known; }
+    /// What was there when a signal spoke of it last, by id. Tracks that have gone stay.
+    const QHash<int, QString>& seenItems() const { return m_seenItems; }
+    const QHash<int, QString>& seenTracks() const { return m_seenTracks; }
+    /// For tracks with so many items that looking at each track after each change would take too long.
+    void setWatchingTracks(bool isWatching) { m_isWatchingTracks = isWatching; }
+    bool isWatchingTracks() const { return m_isWatchingTracks; }
 
     using StandardTimelineModel::m_itemCache;
     using StandardTimelineModel::m_trackCache;
 
 private:
-    QSet<int> m_known;
+    void lookAtItem(int id) { m_seenItems.insert(id, textOf(*std::as_const(*this).item(id))); }
+    void lookAtTrack(const Track& track)
+    {
+        if (m_isWatchingTracks)
+            m_seenTracks.insert(track.id(), textOf(*this, track));
+    }
+    void lookAtSubtree(const Track& track)
+    {
+        lookAtTrack(track);
+        for (const TrackPtr& child : track.tracks())
+            lookAtSubtree(*child);
+    }
+
+    QHash<int, QString> m_seenItems;
+    QHash<int, QString> m_seenTracks;
+    bool m_isWatchingTracks = true;
 };
 
 inline int countTracks(const Track& track)
@@ -72,7 +138,8 @@ public:
             &RandomUser::shift,       &RandomUser::resize,      &RandomUser::drop,        &RandomUser::relabel,
             &RandomUser::describe,    &RandomUser::color,       &RandomUser::lock,        &RandomUser::copies,
             &RandomUser::relabelMany, &RandomUser::retimeMany,  &RandomUser::moveMany,    &RandomUser::attribute,
-            &RandomUser::paste,       &RandomUser::cut,         &RandomUser::snap,        &RandomUser::addDocument};
+            &RandomUser::paste,       &RandomUser::cut,         &RandomUser::snap,        &RandomUser::addDocument,
+            &RandomUser::rename,      &RandomUser::addPrepared};
         (this->*acts.at(number(static_cast<int>(acts.size()))))();
         if (number(3) != 0)
             m_model.finishGesture();
@@ -247,6 +314,21 @@ private:
         else
             m_model.setItemsAttribute(ids, "a", QString::number(number(3)));
     }
+    void rename()
+    {
+        static const QStringList names{"a", "key", "other"};
+        const QString& name = names.at(number(3));
+        const QString& newName = names.at(number(3));
+        const QVector<int> ids = someItems();
+        const bool isRefused = name != newName && std::any_of(ids.begin(), ids.end(), [&](int id) {
+                                   const auto attributes = m_model.itemAttributes(id);
+                                   return attributes.contains(name) && attributes.contains(newName);
+                               });
+        if (isRefused)
+            QVERIFY_EXCEPTION_THROWN(m_model.renameItemsAttribute(ids, name, newName), QString);
+        else
+            m_model.renameItemsAttribute(ids, name, newName);
+    }
     void lock() { m_model.setItemsLocked(someItems(), number(2) == 0); }
     void copies()
     {
@@ -275,13 +357,24 @@ private:
         }
     }
     void snap() { m_model.setSnapEnabled(!m_model.isSnapEnabled()); }
-    void addDocument()
+    Document newDocument()
     {
         Document document;
         document.track({QString("T%1").arg(number(50)), "below"}).items = {newItem(), newItem()};
         document.track({"T1"}).color = anyColor();
+        document.track({"A"}).items = {newItem()};
+        return document;
+    }
+    void addDocument()
+    {
         if (countTracks(*m_model.rootTrack()) < 20)
-            m_model.addDocument(document);
+            m_model.addDocument(newDocument());
+    }
+    void addPrepared()
+    {
+        PreparedDocument prepared(newDocument());
+        if (countTracks(*m_model.rootTrack()) < 20)
+            m_model.addDocument(std::move(prepared));
     }
 
     Model& m_model;

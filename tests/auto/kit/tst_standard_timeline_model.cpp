@@ -475,6 +475,24 @@ private Q_SLOTS:
         QCOMPARE(model.itemIds().size(), 5);
     }
 
+    void selectedItemsMoveAlongButAreNotResizedAlong()
+    {
+        TimelineView view;
+        Model model(&view);
+        view.setModel(&model);
+        model.setDocument(sampleDocument());
+        model.setOverlapPolicy(Model::RefuseOverlaps);
+        const Item& early = *model.item(0);
+        QVERIFY(!model.canMoveItem(early, 1995));
+        view.selectItems({0, 1}, true);
+        QVERIFY(model.canMoveItem(early, 1995));
+        QVERIFY(!model.canResizeItem(early, 1000, 1001));
+        QVERIFY(model.canResizeItem(early, 1000, 1000));
+        // One that is not selected moves alone.
+        view.selectItems({1}, true);
+        QVERIFY(!model.canMoveItem(early, 1995));
+    }
+
     void aDurationBelowTheMinimumIsRefused()
     {
         Model model;

@@ -27,36 +27,10 @@ namespace {
 // The offscreen platform remarks on every window that limits its size.
 const QRegularExpression unexpectedWarning("^(?!This plugin does not support propagateSizeHints)");
 
-QString textOf(const Item& item)
-{
-    const auto& labelled = dynamic_cast<const LabelledItem&>(item);
-    QStringList attributes;
-    for (auto entry = labelled.attributes().begin(); entry != labelled.attributes().end(); ++entry)
-        attributes.append(entry.key() + '=' + entry.value());
-    return QString("%1@%2:%3+%4 '%5' '%6' %7 %8 %9")
-        .arg(item.id())
-        .arg(item.parentTrackId())
-        .arg(item.startTime())
-        .arg(item.duration())
-        .arg(labelled.label(), labelled.description(), attributes.join(','),
-             (labelled.hasOwnColor() ? "" : "~") + item.color().name(QColor::HexArgb),
-             item.isEditable() ? "free" : "locked");
-}
-
 /// All that undo is to restore, as text.
 QString stateOf(const Model& model, const Track& track)
 {
-    QList<int> copies(track.copyItemIds().begin(), track.copyItemIds().end());
-    std::sort(copies.begin(), copies.end());
-    QStringList copyTexts;
-    for (const int id : copies)
-        copyTexts.append(QString::number(id));
-    QString text = QString("[%1<%2 '%3' %4 copies %5\n")
-                       .arg(track.id())
-                       .arg(track.parentId())
-                       .arg(track.text(), model.colorOfTrack(track.id()).name(), copyTexts.join(','));
-    for (const ItemPtr& item : track.items())
-        text += textOf(*item) + '\n';
+    QString text = QString("[%1<%2 ").arg(track.id()).arg(track.parentId()) + textOf(model, track);
     for (const TrackPtr& child : track.tracks())
         text += stateOf(model, *child);
     return text + "]\n";
@@ -85,8 +59,22 @@ void verifyConsistent(const Model& model)
 {
     QCOMPARE(checkCaches(model, *model.rootTrack()), static_cast<int>(model.m_itemCache.size()));
     QCOMPARE(countTracks(*model.rootTrack()), static_cast<int>(model.m_trackCache.size()));
-    const QVector<int> ids = model.itemIds();
-    QCOMPARE(model.known(), QSet<int>(ids.begin(), ids.end()));
+    std::optional<TimeSpan> span;
+    for (const auto& [id, item] : model.m_itemCache) {
+        const qint64 end = item->startTime() + std::max(item->duration(), 0);
+        span = TimeSpan{std::min(span ? span->start : item->startTime(), item->startTime()),
+                        std::max(span ? span->end : end, end)};
+    }
+    QCOMPARE(model.span().has_value(), span.has_value());
+    QVERIFY(!span || (model.span()->start == span->start && model.span()->end == span->end));
+    // Nobody who goes by the signals has missed anything.
+    QCOMPARE(model.seenItems().size(), static_cast<int>(model.m_itemCache.size()));
+    for (const auto& [id, item] : model.m_itemCache)
+        QCOMPARE(model.seenItems().value(id), textOf(*item));
+    for (const auto& [id, track] : model.m_trackCache) {
+        if (model.isWatchingTracks() && track != model.rootTrack())
+            QCOMPARE(model.seenTracks().value(id), textOf(model, *track));
+    }
 }
 
 QStringList texts(const QUndoStack& stack)
@@ -167,14 +155,18 @@ private Q_SLOTS:
             user.act();
             isActing = false;
             QCOMPARE(states.size(), stack.count() + 1);
-            // Back and forth in between, the last time with something else done there.
+            // Back and forth in between, at times with something else done where it goes back to.
             for (int back = user.number(6) == 0 ? user.number(5) : 0; back > 0 && stack.canUndo(); --back) {
                 stack.undo();
                 compare();
             }
+            for (const bool isForth = user.number(3) != 0; isForth && stack.canRedo();) {
+                stack.redo();
+                compare();
+            }
             verifyConsistent(model);
         }
-        QVERIFY(stack.count() > 10);
+        QVERIFY(stack.count() > 20);
         for (int round = 0; round < 2; ++round) {
             while (stack.canUndo()) {
                 stack.undo();
@@ -204,6 +196,7 @@ private Q_SLOTS:
             document.track({QString::number(random.bounded(1 + random.bounded(4)))})
                 .items.push_back({QString::number(i), random.bounded(200) * 10, i % 7 - 1, {}});
         Model model;
+        model.setWatchingTracks(false);
         model.setDocument(document);
         QUndoStack& stack = *model.undoStack();
         QStringList states{stateOf(model)};
@@ -435,7 +428,7 @@ private Q_SLOTS:
         QCOMPARE(model.itemLabel(first.items().front()->id()), "first");
         QCOMPARE(model.itemLabel(first.items().back()->id()), "a");
         QCOMPARE(first.items().back()->color(), QColor(Qt::green));
-        QCOMPARE(texts(*model.undoStack()), QStringList("Add 5 tracks"));
+        QCOMPARE(texts(*model.undoStack()), QStringList("Add 3 tracks"));
         verifyConsistent(model);
         model.undoStack()->undo();
         QCOMPARE(stateOf(model), before);
@@ -443,8 +436,9 @@ private Q_SLOTS:
         model.undoStack()->redo();
         QCOMPARE(stateOf(model), after);
         verifyConsistent(model);
-        // Long items of both are told apart.
+        // Long items of both are told apart. Now all tracks are there.
         model.addDocument(PreparedDocument(document));
+        QCOMPARE(model.undoStack()->undoText(), "Add 4 items");
         QCOMPARE(model.document().tracks().at(3).items.size(), std::size_t(2));
     }
 
@@ -476,6 +470,36 @@ private Q_SLOTS:
         stack.undo();
         QCOMPARE(model.track(track)->itemIds(false, false), (QVector<int>{ids[2], ids[0], ids[1]}));
         verifyConsistent(model);
+    }
+
+    void aLongItemCountsOnceInTheTexts()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        const QVector<int> pieces = model.addItems(1, {{"long", 0, 5'000'000'000, {}}});
+        QCOMPARE(pieces.size(), 3);
+        model.setItemsLabel(pieces, "longer");
+        model.setItemsLabel(pieces + QVector<int>{0}, "longest");
+        model.moveItemsToTrack({pieces[1]}, 3);
+        model.copyToClipboard(pieces);
+        model.pasteFromClipboard(0);
+        for (const int id : pieces)
+            model.removeItem(id);
+        QCOMPARE(texts(*model.undoStack()),
+                 (QStringList{"Add item", "Rename item", "Rename 2 items", "Move item", "Paste item", "Delete item"}));
+    }
+
+    void addingOneTrackSaysSo()
+    {
+        Model model;
+        model.setDocument(sampleDocument());
+        Document document;
+        document.track({"A", "more"}).items = {{"x", 0, 1, {}}};
+        model.addDocument(document);
+        document.track({"A", "more"}).items = {{"y", 0, 1, {}}};
+        model.addDocument(document);
+        model.addDocument(Document());
+        QCOMPARE(texts(*model.undoStack()), (QStringList{"Add track", "Add item"}));
     }
 
     void renamingOntoAnotherAttributeIsRefused()
