@@ -59,17 +59,19 @@ QString LabelledItem::pieceText() const
     return m_piece.isPiece() ? QStringLiteral(" (%1/%2)").arg(m_piece.number).arg(m_piece.count) : QString();
 }
 
-QString LabelledItem::toolTip(const QString& trackName, const TimeFormatter& formatter) const
+QString LabelledItem::toolTip(const QString& trackName, const TimeFormatter& formatter,
+                              const std::optional<TimeSpan>& whole) const
 {
+    const TimeSpan times = whole.value_or(TimeSpan{startTime(), startTime() + duration()});
     const TimeFormatter format = formatter ? formatter : formatTime;
     constexpr qsizetype longestName = 200;
     constexpr qsizetype longestDescription = 1000;
     const bool hasEnd = duration() >= 0;
     QString text = QStringLiteral("<qt><b>%1</b><table>").arg(cut(label().simplified(), longestName).toHtmlEscaped());
-    text += toolTipRow(Tr::tr("Start"), format(startTime()));
-    text += toolTipRow(Tr::tr("End"), hasEnd ? format(startTime() + duration()) : Tr::tr("open"));
+    text += toolTipRow(Tr::tr("Start"), format(times.start));
+    text += toolTipRow(Tr::tr("End"), hasEnd ? format(times.end) : Tr::tr("open"));
     if (hasEnd)
-        text += toolTipRow(Tr::tr("Duration"), durationText(duration()));
+        text += toolTipRow(Tr::tr("Duration"), durationText(times.end - times.start));
     text += toolTipRow(Tr::tr("Track"), cut(trackName.simplified(), longestName));
     text += QStringLiteral("</table>");
     if (!m_description.isEmpty())

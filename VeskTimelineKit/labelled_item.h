@@ -1,11 +1,13 @@
 #pragma once
 
 #include <VeskTimeline/item.h>
+#include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/vesktimelinekit_export.h>
 
 #include <QMap>
 
 #include <functional>
+#include <optional>
 
 class QRect;
 
@@ -64,7 +66,9 @@ public:
     /// Label, start, end, duration, track and description, as rich text in which nothing of them is taken for mark-up.
     /// Long texts are cut.
     /// @param formatter none: formatTime()
-    QString toolTip(const QString& trackName, const TimeFormatter& formatter = {}) const;
+    /// @param whole for the piece of a long item: when that is, which is said then; none: the item's own times
+    QString toolTip(const QString& trackName, const TimeFormatter& formatter = {},
+                    const std::optional<TimeSpan>& whole = {}) const;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                bool isSelected) const override;

@@ -2,6 +2,7 @@
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimelineKit/labelled_item.h>
 #include <VeskTimelineKit/labelled_item_tool_tips.h>
+#include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QHelpEvent>
 #include <QToolTip>
@@ -36,14 +37,30 @@ QString LabelledItemToolTips::textAt(const QPoint& pos) const
     const QModelIndex index = m_view->indexAt(pos);
     if (index.column() != 1 || !m_view->timelineModel())
         return {};
-    const Track* const track = std::as_const(*m_view->timelineModel()).track(index.data(Qt::DisplayRole).toInt());
-    // The item painted last is the one that is seen.
-    const auto found = std::find_if(track->items().rbegin(), track->items().rend(),
-                                    [this, &pos](const ItemPtr& item) { return isHit(*item, pos); });
-    if (found == track->items().rend())
+    const TimelineModel& model = std::as_const(*m_view->timelineModel());
+    const Item* const item = itemAt(*model.track(index.data(Qt::DisplayRole).toInt()), pos);
+    const auto* const labelled = dynamic_cast<const LabelledItem*>(item);
+    if (!labelled)
         return {};
-    const auto* const labelled = dynamic_cast<const LabelledItem*>(found->get());
-    return labelled ? labelled->toolTip(track->text(), m_formatter) : QString();
+    const auto* const standard = qobject_cast<const StandardTimelineModel*>(&model);
+    return standard ? standard->itemToolTip(item->id(), m_formatter)
+                    : labelled->toolTip(model.track(item->parentTrackId())->text(), m_formatter);
+}
+
+// The one painted last is the one that is seen: copies lie over the track's own items.
+const Item* LabelledItemToolTips::itemAt(const Track& track, const QPoint& pos) const
+{
+    const Item* found = nullptr;
+    for (const int id : track.copyItemIds()) {
+        const Item* const copy = std::as_const(*m_view->timelineModel()).item(id);
+        if (isHit(*copy, pos))
+            found = copy;
+    }
+    if (found)
+        return found;
+    const auto own = std::find_if(track.items().rbegin(), track.items().rend(),
+                                  [this, &pos](const ItemPtr& item) { return isHit(*item, pos); });
+    return own != track.items().rend() ? own->get() : nullptr;
 }
 
 bool LabelledItemToolTips::eventFilter(QObject* watched, QEvent* event)
@@ -55,7 +72,7 @@ bool LabelledItemToolTips::eventFilter(QObject* watched, QEvent* event)
     try {
         text = textAt(help->pos());
     } catch (const QString&) {
-        // The row's track has just gone.
+        // The row's track, or an item of it, has just gone.
     }
     // Over the track column the model has its say.
     if (text.isEmpty() && m_view->indexAt(help->pos()).column() != 1)

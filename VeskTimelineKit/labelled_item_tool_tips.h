@@ -10,11 +10,13 @@ class QPoint;
 namespace VeskTimeline {
 class Item;
 class TimelineView;
+class Track;
 } // namespace VeskTimeline
 
 namespace VeskTimeline::Kit {
 
-/// Shows the tool tips of the LabelledItems of a view, whatever model of ours it has.
+/// Shows the tool tips of the LabelledItems of a view, copies on the tracks above among them, whatever model of ours it
+/// has.
 class VESKTIMELINEKIT_EXPORT LabelledItemToolTips : public QObject
 {
     Q_OBJECT
@@ -33,6 +35,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    const Item* itemAt(const Track& track, const QPoint& pos) const;
     bool isHit(const Item& item, const QPoint& pos) const;
 
     TimelineView* m_view;

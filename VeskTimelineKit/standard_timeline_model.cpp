@@ -117,10 +117,17 @@ QMap<QString, QString> StandardTimelineModel::itemAttributes(int itemId) const
     return labelled ? labelled->attributes() : QMap<QString, QString>();
 }
 
-QString StandardTimelineModel::itemToolTip(int itemId) const
+QString StandardTimelineModel::itemToolTip(int itemId, const TimeFormatter& formatter) const
 {
     const LabelledItem* const labelled = labelledItem(itemId);
-    return labelled ? labelled->toolTip(track(labelled->parentTrackId())->text()) : QString();
+    if (!labelled)
+        return {};
+    std::optional<TimeSpan> whole;
+    if (labelled->piece().isPiece()) {
+        const ItemTimes times = itemTimes(itemId);
+        whole = TimeSpan{times.start, times.end()};
+    }
+    return labelled->toolTip(track(labelled->parentTrackId())->text(), formatter, whole);
 }
 
 StandardTimelineModel::OverlapPolicy StandardTimelineModel::overlapPolicy() const

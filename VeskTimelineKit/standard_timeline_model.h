@@ -2,6 +2,7 @@
 
 #include <VeskTimeline/timeline_model.h>
 #include <VeskTimelineKit/document.h>
+#include <VeskTimelineKit/labelled_item.h>
 #include <VeskTimelineKit/prepared_document.h>
 #include <VeskTimelineKit/vesktimelinekit_export.h>
 
@@ -11,7 +12,6 @@ class QUndoStack;
 
 namespace VeskTimeline::Kit {
 
-class LabelledItem;
 class ModelContents;
 enum class StepKind;
 class StepScope;
@@ -111,6 +111,7 @@ public:
     /// Removes a track with its subtree and all their items, emitting the row-removal signals. Not for the root.
     void removeTrack(int trackId) override;
     /// Replaces the ids of the items that the track shows as copies, see Track.
+    /// @throws QString also for an item that is on no track below it
     void setCopyItemIds(int trackId, const QSet<int>& itemIds);
 
     /// Adds an item; its times are taken as they are. @return its id, for a long item that of its first piece
@@ -131,6 +132,8 @@ public:
     void moveItemsToTrack(const QVector<int>& itemIds, int trackId);
     /// Of a long item, which any piece stands for, the times of the whole.
     ItemTimes itemTimes(int itemId) const;
+    /// An item as a document has it; of a long one, which any piece stands for, the whole.
+    DocumentItem documentItem(int itemId) const;
     /// Each item once, and of a long item only the piece that comes first in the list.
     QVector<int> withoutFurtherPieces(const QVector<int>& itemIds) const;
 
@@ -156,8 +159,8 @@ public:
     /// A locked item is not editable: the user cannot move or resize it with the mouse.
     void setItemLocked(int itemId, bool isLocked) { setItemsLocked({itemId}, isLocked); }
     void setItemsLocked(const QVector<int>& itemIds, bool isLocked);
-    /// See LabelledItem::toolTip().
-    QString itemToolTip(int itemId) const;
+    /// See LabelledItem::toolTip(). For the piece of a long item it says when the whole is.
+    QString itemToolTip(int itemId, const TimeFormatter& formatter = {}) const;
 
     OverlapPolicy overlapPolicy() const;
     void setOverlapPolicy(OverlapPolicy policy);

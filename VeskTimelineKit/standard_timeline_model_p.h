@@ -47,8 +47,8 @@ struct StandardTimelineModelPrivate
     std::unique_ptr<UndoStep> step;
     StandardTimelineModel::OverlapPolicy overlapPolicy = StandardTimelineModel::AllowOverlaps;
     int nextWhole = 0;
-    /// By track id, of tracks that have items; only those that are known.
-    QHash<int, TrackExtent> extents; ///< by track id; those of changed tracks are missing
+    /// By track id, of tracks that have items; those of tracks that have changed since are missing.
+    QHash<int, TrackExtent> extents;
     bool isUnrecorded = false;
     int batchDepth = 0;
     bool isBatching = false;

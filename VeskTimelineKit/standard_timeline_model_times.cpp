@@ -67,6 +67,15 @@ ItemTimes StandardTimelineModel::itemTimes(int itemId) const
     return timesOf(itemId, piecesOf(itemId));
 }
 
+DocumentItem StandardTimelineModel::documentItem(int itemId) const
+{
+    const ItemTimes times = itemTimes(itemId);
+    DocumentItem result = documentItemOf(*item(itemId));
+    result.start = times.start;
+    result.duration = times.duration;
+    return result;
+}
+
 // Without the later ones of pieces that belong together, unless they are told apart by their tracks.
 QVector<int> StandardTimelineModel::withoutFurtherPieces(const QVector<int>& itemIds) const
 {

@@ -164,7 +164,7 @@ void ItemCommands::duplicate()
     std::map<int, std::vector<DocumentItem>> copies;
     std::optional<TimeSpan> span;
     for (const int id : selected.ids) {
-        DocumentItem copy = documentItemOf(*model(), id);
+        DocumentItem copy = model()->documentItem(id);
         span = span ? TimeSpan{std::min(span->start, copy.start), std::max(span->end, copy.end())}
                     : TimeSpan{copy.start, copy.end()};
         copies[model()->item(id)->parentTrackId()].push_back(std::move(copy));

@@ -39,12 +39,9 @@ void addItem(SelectionSummary& summary, const StandardTimelineModel& model, cons
 
 QList<int> knownItems(const StandardTimelineModel& model, const QList<int>& itemIds)
 {
-    if (itemIds.isEmpty())
-        return {};
-    const QVector<int> all = model.itemIds();
     QList<int> known;
     std::copy_if(itemIds.begin(), itemIds.end(), std::back_inserter(known),
-                 [&all](int id) { return std::binary_search(all.begin(), all.end(), id); });
+                 [&model](int id) { return model.hasItem(id); });
     return known;
 }
 
@@ -61,21 +58,6 @@ SelectionSummary summarise(const StandardTimelineModel& model, const QList<int>&
             values.setMixed();
     }
     return summary;
-}
-
-DocumentItem documentItemOf(const StandardTimelineModel& model, int itemId)
-{
-    const Item& item = *model.item(itemId);
-    const ItemTimes times = model.itemTimes(itemId);
-    DocumentItem result{{}, times.start, times.duration, item.color(), item.isEditable()};
-    if (const auto* const labelled = dynamic_cast<const LabelledItem*>(&item)) {
-        result.label = labelled->plainLabel();
-        result.description = labelled->description();
-        result.attributes = labelled->attributes();
-        if (!labelled->hasOwnColor())
-            result.color = QColor();
-    }
-    return result;
 }
 
 } // namespace Workbench

@@ -63,9 +63,6 @@ struct SelectionSummary
 
 SelectionSummary summarise(const VeskTimeline::Kit::StandardTimelineModel& model, const QList<int>& itemIds);
 
-/// An item of the model as a document has it, a long one whole.
-VeskTimeline::Kit::DocumentItem documentItemOf(const VeskTimeline::Kit::StandardTimelineModel& model, int itemId);
-
 /// Those of the ids that the model has items for.
 QList<int> knownItems(const VeskTimeline::Kit::StandardTimelineModel& model, const QList<int>& itemIds);
 

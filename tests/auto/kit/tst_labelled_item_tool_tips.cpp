@@ -90,6 +90,40 @@ private Q_SLOTS:
         QVERIFY(plain(item.toolTip("Moon")).startsWith("Landing (2/3)\n"));
     }
 
+    void aPieceSaysWhenTheWholeItemIs()
+    {
+        StandardTimelineModel model;
+        Document document;
+        document.track({"A"}).items = {{"long", -1000, 5'000'000'000, {}}};
+        model.setDocument(document);
+        QCOMPARE(plain(model.itemToolTip(1)),
+                 "long (2/3)\nStart\n1969-12-31T23:59:59Z\nEnd\n1970-02-27T20:53:19Z\nDuration\n57 d "
+                 "20:53:20\nTrack\nA\n");
+    }
+
+    void aCopyHasTheToolTipOfItsItem()
+    {
+        TimelineView view;
+        StandardTimelineModel model(&view);
+        view.setModel(&model);
+        view.setItemDelegate(new ItemDelegate(&view));
+        Document document;
+        document.track({"A"}).items = {{"own", 60'000, 600'000, {}}};
+        document.track({"A", "B"}).items = {{"copied", 60'000, 60'000, {}}};
+        model.setDocument(document);
+        model.setCopyItemIds(1, {1});
+        view.setRange(0, 3'600'000);
+        view.resize(1200, 400);
+        view.show();
+        const LabelledItemToolTips toolTips(&view);
+        QCoreApplication::processEvents();
+
+        const int y = view.visualRect(model.index(0, 1)).center().y();
+        const QString text = plain(toolTips.textAt({view.toPixel(90'000), y}));
+        QVERIFY2(text.startsWith("copied\n") && text.endsWith("Track\nB\n"), qPrintable(text));
+        QVERIFY(plain(toolTips.textAt({view.toPixel(300'000), y})).startsWith("own\n"));
+    }
+
     void theViewShowsTheToolTipOfTheItemUnderTheMouse()
     {
         TimelineView view;

@@ -370,6 +370,25 @@ private Q_SLOTS:
         QCOMPARE(textOf(model.document()), textOf(document));
     }
 
+    void anItemIsGivenAsADocumentHasIt()
+    {
+        const DocumentItem sources[] = {{"own", 5, 7, Qt::red, false, "text", {{"key", "value"}}},
+                                        {"plain", 5, DocumentItem::openEnded, {}},
+                                        {"long", 5, 5'000'000'000, {}}};
+        Model model;
+        model.addTrack("A");
+        for (const DocumentItem& source : sources) {
+            for (const int id : model.addItems(1, {source})) {
+                Document document;
+                document.track({"A"}).items = {model.documentItem(id)};
+                Document expected;
+                expected.track({"A"}).items = {source};
+                QCOMPARE(textOf(document), textOf(expected));
+            }
+        }
+        QVERIFY_EXCEPTION_THROWN(model.documentItem(99), QString);
+    }
+
     void whatAPieceSaysIsChangedForAll()
     {
         Document document;
