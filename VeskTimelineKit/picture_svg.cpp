@@ -3,11 +3,28 @@
 #include <QBuffer>
 #include <QSvgGenerator>
 
+#include <algorithm>
 #include <array>
 
 namespace VeskTimeline::Kit {
 
 namespace {
+
+// XML has no way to write down most control characters, and two others.
+QByteArray withoutForbidden(QByteArray text)
+{
+    constexpr char firstAllowed = ' ';
+    const QByteArray replacement = QString(QChar::ReplacementCharacter).toUtf8();
+    const auto isForbidden = [](char byte) {
+        return byte >= 0 && byte < firstAllowed && byte != '\t' && byte != '\n' && byte != '\r';
+    };
+    for (auto at = std::find_if(text.cbegin(), text.cend(), isForbidden); at != text.cend();) {
+        const auto position = at - text.cbegin();
+        text.replace(position, 1, replacement);
+        at = std::find_if(text.cbegin() + position, text.cend(), isForbidden);
+    }
+    return text.replace("\xEF\xBF\xBE", replacement).replace("\xEF\xBF\xBF", replacement);
+}
 
 /// A part of a picture with a place of its own, to which it is clipped. The generator of Qt knows no clips, so each
 /// part is a picture first and then a group.
@@ -45,8 +62,8 @@ public:
         const auto number = [](int value) { return QByteArray::number(value); };
         return "<clipPath id=\"" + name + "\"><rect x=\"0\" y=\"0\" width=\"" + number(m_rect.width()) +
                "\" height=\"" + number(m_rect.height()) + "\"/></clipPath>\n<g transform=\"translate(" +
-               number(m_rect.x()) + ',' + number(m_rect.y()) + ")\" clip-path=\"url(#" + name + ")\">\n" + text +
-               "</g>\n";
+               number(m_rect.x()) + ',' + number(m_rect.y()) + ")\" clip-path=\"url(#" + name + ")\">\n" +
+               withoutForbidden(std::move(text)) + "</g>\n";
     }
 
 private:
@@ -116,7 +133,7 @@ public:
                      "\"\n xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\""
                      " version=\"1.1\">\n");
         if (!m_options.title.isEmpty())
-            m_file.write("<title>" + m_options.title.toHtmlEscaped().toUtf8() + "</title>\n");
+            m_file.write("<title>" + withoutForbidden(m_options.title.toHtmlEscaped().toUtf8()) + "</title>\n");
         // Not every reader clips: the names come last and cover what reaches into them.
         if (titleHeight() > 0)
             m_file.write(m_title.takeElements("title"));
