@@ -85,7 +85,8 @@ void JournalReplay::readBase(const QString& fileName)
     }
     m_state.apply(std::move(delta));
     if (damaged > 0)
-        m_problems.append(Tr::tr("%n items or tracks cannot be read.", nullptr, damaged));
+        m_problems.append(damaged == 1 ? Tr::tr("An item or track cannot be read.")
+                                       : Tr::tr("%n items or tracks cannot be read.", nullptr, damaged));
     if (!m_isBaseComplete)
         m_problems.append(Tr::tr("The program ended before the whole document was in the journal: what had not been "
                                  "changed may be missing here, and is still in the file that it was opened from."));

@@ -315,8 +315,9 @@ QMap<int, QSet<int>> JournalState::newCopies(const Document& document) const
         QSet<int> ids;
         for (const int id : track.copies) {
             const auto& [item, place] = m_places.at(id);
-            // Those of the root are in no document.
-            if (item && m_items.at(id).trackId != rootId)
+            const int itemTrackId = item ? m_items.at(id).trackId : rootId;
+            // Items of the root are in no document. Of a damaged journal, tracks may have lost their places.
+            if (itemTrackId != rootId && isBelow(itemTrackId, trackId))
                 ids.insert(newIds.idOf(place));
         }
         if (!ids.isEmpty())

@@ -108,6 +108,10 @@ void StandardTimelineModel::removeTrack(int trackId)
 void StandardTimelineModel::setCopyItemIds(int trackId, const QSet<int>& itemIds)
 {
     const Track* const changed = track(trackId);
+    for (const int id : itemIds) {
+        if (!isSelfOrAbove(*changed, *track(item(id)->parentTrackId())))
+            throw QStringLiteral("setCopyItemIds: item %1 is not below track %2").arg(id).arg(trackId);
+    }
     if (changed->copyItemIds() == itemIds)
         return;
     StepScope scope(*d, StepKind::Other, tr("Change copies on track “%1”").arg(shortName(changed->text())));

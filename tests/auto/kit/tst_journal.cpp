@@ -297,6 +297,28 @@ private Q_SLOTS:
                  QStringList("The journal is damaged: what was changed after its 2. change is lost."));
     }
 
+    void copiesThatHaveLostTheirPlaceAreLeftOut()
+    {
+        Scene scene;
+        scene.model.setCopyItemIds(1, {0, 4});
+        QVERIFY(scene.write());
+        const QString baseName = scene.fileName() + ".1.base";
+        QFile file(baseName);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray base = file.readAll();
+        // The track is no longer known to be below the first one.
+        QVERIFY(base.contains("\"B\""));
+        base.replace("\"B\"", "\"!\"");
+        scene.replaceContent(base, baseName);
+        const RecoveredJournal recovered = scene.recovered();
+        StandardTimelineModel model;
+        recovered.showIn(model);
+        QCOMPARE(model.itemCount(), scene.model.itemCount());
+        const QSet<int> copies = model.track(1)->copyItemIds();
+        QCOMPARE(copies.size(), 1);
+        QCOMPARE(model.itemLabel(*copies.begin()), "a0");
+    }
+
     void ofADamagedBaseTheRestIsRecovered()
     {
         Scene scene;
@@ -312,7 +334,7 @@ private Q_SLOTS:
         RecoveredJournal recovered = scene.recovered();
         QCOMPARE(recovered.document.itemCount(), 3);
         QCOMPARE(recovered.document.tracks().at(0).items.at(1).label, "changed");
-        QCOMPARE(recovered.problems, QStringList("1 items or tracks cannot be read."));
+        QCOMPARE(recovered.problems, QStringList("An item or track cannot be read."));
 
         scene.replaceContent(whole.first(whole.indexOf("\"long\"")), baseName);
         recovered = scene.recovered();
