@@ -57,21 +57,14 @@ Result<CsvPreview> makePreview(CsvSource& source, const QString& fileName, const
 
 Result<CsvPreview> previewCsv(const QString& fileName, const CsvOptions& options, int mostRecords)
 {
-    if (fileName.isEmpty())
-        return FileError{fileName, 0, Tr::tr("no file name")};
-    if (const QString reason = unreadableReason(fileName); !reason.isNull())
-        return FileError{fileName, 0, reason};
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return FileError{fileName, 0, file.errorString()};
-    try {
-        CsvSource source(file);
-        if (file.error() != QFileDevice::NoError)
-            return FileError{fileName, 0, file.errorString()};
-        return makePreview(source, fileName, options, mostRecords);
-    } catch (const QString& reason) {
-        return FileError{fileName, 0, reason};
-    }
+    return readFile(fileName, [&](QIODevice& device) -> Result<CsvPreview> {
+        try {
+            CsvSource source(device);
+            return makePreview(source, fileName, options, mostRecords);
+        } catch (const QString& reason) {
+            return FileError{fileName, 0, reason};
+        }
+    });
 }
 
 } // namespace VeskTimeline::Kit

@@ -1,4 +1,5 @@
 #include "document_of_tracks_p.h"
+#include "free_name_p.h"
 #include "kit_tr_p.h"
 #include "standard_timeline_model_track_p.h"
 
@@ -15,14 +16,6 @@ bool saysTheSame(const DocumentItem& left, const DocumentItem& right)
 {
     return left.label == right.label && left.color == right.color && left.isEditable == right.isEditable &&
            left.description == right.description && left.attributes == right.attributes;
-}
-
-QString freeName(const QString& name, const QSet<QString>& taken)
-{
-    QString free = name;
-    for (int number = 2; taken.contains(free); ++number)
-        free = QStringLiteral("%1 (%2)").arg(name).arg(number);
-    return free;
 }
 
 } // namespace

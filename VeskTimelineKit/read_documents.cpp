@@ -1,25 +1,16 @@
+#include "free_name_p.h"
 #include "kit_tr_p.h"
 
 #include <VeskTimelineKit/document_format.h>
 #include <VeskTimelineKit/read_documents.h>
 
 #include <QFileInfo>
-#include <QSet>
 
 #include <new>
 
 namespace VeskTimeline::Kit {
 
 namespace {
-
-QString freeName(const QString& name, QSet<QString>& taken)
-{
-    QString free = name;
-    for (int number = 2; taken.contains(free); ++number)
-        free = QStringLiteral("%1 (%2)").arg(name).arg(number);
-    taken.insert(free);
-    return free;
-}
 
 // A file that needs more memory than there is is refused like any other that cannot be read.
 Result<Document> readOne(const DocumentFormat& format, const QString& fileName, const ReadOptions& options)
@@ -63,7 +54,9 @@ ReadDocuments readDocuments(const std::vector<FileToRead>& files, const FilesPro
             continue;
         }
         const QString name = file.trackName.isEmpty() ? QFileInfo(file.fileName).fileName() : file.trackName;
-        read.document.addBelow(freeName(name, names), std::move(document));
+        const QString free = freeName(name, names);
+        names.insert(free);
+        read.document.addBelow(free, std::move(document));
     }
     if (!read.refusals.isEmpty())
         read.document = Document();

@@ -4,11 +4,12 @@
 
 #include "kit_tr_p.h"
 
-#include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/result.h>
 
 #include <QFile>
 #include <QFileInfo>
+
+#include <utility>
 
 namespace VeskTimeline::Kit {
 
@@ -25,9 +26,9 @@ inline QString unreadableReason(const QString& fileName)
 }
 
 /// Opens the file, has it read and watches for what any file can suffer from.
-/// @param read (QIODevice&) to a Result<Document>
+/// @param read (QIODevice&) to a Result, which is what comes back
 template <typename Read>
-Result<Document> readFile(const QString& fileName, Read read)
+auto readFile(const QString& fileName, Read read) -> decltype(read(std::declval<QIODevice&>()))
 {
     if (fileName.isEmpty())
         return FileError{fileName, 0, Tr::tr("no file name")};
@@ -36,7 +37,7 @@ Result<Document> readFile(const QString& fileName, Read read)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return FileError{fileName, 0, file.errorString()};
-    Result<Document> result = read(file);
+    auto result = read(file);
     // A read that fails looks like the end of the text.
     if (file.error() != QFileDevice::NoError)
         return FileError{fileName, 0, file.errorString()};
