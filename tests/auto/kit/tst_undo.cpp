@@ -7,9 +7,6 @@
 #include <VeskTimelineKit/labelled_item.h>
 #include <VeskTimelineKit/standard_timeline_model.h>
 
-#include <QDropEvent>
-#include <QHeaderView>
-#include <QMimeData>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -59,6 +56,11 @@ void verifyConsistent(const Model& model)
 {
     QCOMPARE(checkCaches(model, *model.rootTrack()), static_cast<int>(model.m_itemCache.size()));
     QCOMPARE(countTracks(*model.rootTrack()), static_cast<int>(model.m_trackCache.size()));
+    for (const auto& [trackId, track] : model.m_trackCache) {
+        const QVector<int> below = track->itemIds(true, false);
+        for (const int copy : track->copyItemIds())
+            QVERIFY(below.contains(copy));
+    }
     std::optional<TimeSpan> span;
     for (const auto& [id, item] : model.m_itemCache) {
         const qint64 end = item->startTime() + std::max(item->duration(), 0);
@@ -420,7 +422,21 @@ private Q_SLOTS:
         document.track({"C", "below"}).items = {{"long", 0, 5'000'000'000, {}}};
         document.track({"A"}).items = {{"a", 5, 1, {}}, {"first", -5, 1, {}}};
         document.track({"new", "D"}).items = {{"d", 5, 1, {}}};
+        QSignalSpy added(&model, &StandardTimelineModel::itemsAdded);
+        QSignalSpy changed(&model, &StandardTimelineModel::itemsChanged);
+        QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+        QSignalSpy data(&model, &QAbstractItemModel::dataChanged);
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
         model.addDocument(PreparedDocument(document));
+        QCOMPARE(added.count(), 1);
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(resets.count(), 0);
+        // What is new comes with all that is below it.
+        QCOMPARE(inserted.count(), 2);
+        QSet<quintptr> rows;
+        for (const QList<QVariant>& one : std::as_const(data))
+            rows.insert(one.at(0).toModelIndex().internalId());
+        QCOMPARE(rows.size(), data.count());
         const QString after = stateOf(model);
         QCOMPARE(model.trackCount(), 6);
         QCOMPARE(model.itemIds().size(), 11);
@@ -567,6 +583,8 @@ private Q_SLOTS:
         Model model;
         model.setDocument(sampleDocument());
         QSignalSpy changes(&model, &StandardTimelineModel::itemsChanged);
+        QSignalSpy added(&model, &StandardTimelineModel::itemsAdded);
+        QSignalSpy removed(&model, &StandardTimelineModel::itemsRemoved);
         QSignalSpy data(&model, &QAbstractItemModel::dataChanged);
         model.renameTrack(1, "A");
         model.setTrackColor(1, QColor());
@@ -579,9 +597,21 @@ private Q_SLOTS:
         model.setItemDuration(0, 10);
         model.setItemLabel(0, "a0");
         model.setItemLocked(0, false);
+        model.setItemDescription(0, "");
+        model.setItemAttributes(0, {});
+        model.setItemColor(0, QColor());
+        model.removeItemsAttribute({0, 1}, "none");
+        model.renameItemsAttribute({0, 1}, "none", "other");
+        model.retimeItems({});
+        model.moveItemsToTrack({0, 1}, 1);
+        model.moveItemToTrack(0, 1, 0);
+        model.cutToClipboard({});
+        model.addDocument(Document());
         model.pasteFromClipboard(7);
         QCOMPARE(model.undoStack()->count(), 0);
         QCOMPARE(changes.count(), 0);
+        QCOMPARE(added.count(), 0);
+        QCOMPARE(removed.count(), 0);
         QCOMPARE(data.count(), 0);
     }
 
@@ -590,34 +620,47 @@ private Q_SLOTS:
         Model model;
         model.setDocument(sampleDocument());
         const QString before = stateOf(model);
-        const QList<std::function<void()>> calls{[&] { model.addTrack("x", 99); },
-                                                 [&] { model.insertTrack(99, 0, "x"); },
-                                                 [&] { model.moveTrack(99, 1, 0); },
-                                                 [&] { model.moveTrack(1, 99, 0); },
-                                                 [&] { model.moveTrack(1, 2, 0); },
-                                                 [&] { model.moveTrack(1, 1, 0); },
-                                                 [&] { model.moveTrack(0, 1, 0); },
-                                                 [&] { model.renameTrack(99, "x"); },
-                                                 [&] { model.renameTrack(0, "x"); },
-                                                 [&] { model.setTrackColor(0, Qt::red); },
-                                                 [&] { model.removeTrack(99); },
-                                                 [&] { model.setCopyItemIds(99, {1}); },
-                                                 [&] {
-                                                     model.addItem(99, {"x", 0, 0, {}});
-                                                 },
-                                                 [&] {
-                                                     model.removeItems({0, 99});
-                                                 },
-                                                 [&] { model.removeItem(99); },
-                                                 [&] { model.retimeItem(99, 0, 0); },
-                                                 [&] {
-                                                     model.setItemsLocked({0, 99}, true);
-                                                 },
-                                                 [&] {
-                                                     model.setItemsColor({0, 99}, Qt::red);
-                                                 },
-                                                 [&] { model.moveItemToTrack(0, 99, 5); },
-                                                 [&] { model.moveItemToTrack(99, 1, 5); }};
+        const QList<std::function<void()>> calls{
+            [&] { model.addTrack("x", 99); }, [&] { model.insertTrack(99, 0, "x"); },
+            [&] { model.moveTrack(99, 1, 0); }, [&] { model.moveTrack(1, 99, 0); }, [&] { model.moveTrack(1, 2, 0); },
+            [&] { model.moveTrack(1, 1, 0); }, [&] { model.moveTrack(0, 1, 0); }, [&] { model.renameTrack(99, "x"); },
+            [&] { model.renameTrack(0, "x"); }, [&] { model.setTrackColor(0, Qt::red); },
+            [&] { model.removeTrack(99); }, [&] { model.setCopyItemIds(99, {1}); },
+            [&] {
+                model.setCopyItemIds(1, {0, 99});
+            },
+            // Neither above it nor its own.
+            [&] { model.setCopyItemIds(3, {0}); },
+            [&] {
+                model.retimeItems({{0, 1, 1}, {99, 1, 1}});
+            },
+            [&] {
+                model.moveItemsToTrack({0, 99}, 3);
+            },
+            [&] { model.moveItemsToTrack({0}, 99); },
+            [&] {
+                model.setItemsAttribute({0, 99}, "a", "b");
+            },
+            [&] {
+                model.renameItemsAttribute({0, 99}, "a", "b");
+            },
+            [&] {
+                model.cutToClipboard({0, 99});
+            },
+            [&] {
+                model.addItem(99, {"x", 0, 0, {}});
+            },
+            [&] {
+                model.removeItems({0, 99});
+            },
+            [&] { model.removeItem(99); }, [&] { model.retimeItem(99, 0, 0); },
+            [&] {
+                model.setItemsLocked({0, 99}, true);
+            },
+            [&] {
+                model.setItemsColor({0, 99}, Qt::red);
+            },
+            [&] { model.moveItemToTrack(0, 99, 5); }, [&] { model.moveItemToTrack(99, 1, 5); }};
         for (const auto& call : calls)
             QVERIFY_EXCEPTION_THROWN(call(), QString);
         QCOMPARE(stateOf(model), before);
