@@ -1,41 +1,16 @@
+#include "csv_reading.h"
+
 #include <VeskTimelineKit/csv_reader.h>
 
-#include <QBuffer>
 #include <QScopeGuard>
 #include <QTest>
 
 #include <ctime>
 
 using namespace VeskTimeline::Kit;
+using namespace CsvReading;
 
 namespace {
-
-Result<Document> read(QByteArray text, const CsvOptions& csv = {})
-{
-    QBuffer buffer(&text);
-    buffer.open(QIODevice::ReadOnly);
-    ReadOptions options;
-    options.csv = csv;
-    return readCsv(buffer, "f.csv", options);
-}
-
-// "path: label start+duration {attributes}" of every item, or the error's text.
-QStringList itemTexts(const Result<Document>& result)
-{
-    if (!result)
-        return {result.error().text()};
-    QStringList texts;
-    for (const DocumentTrack& track : result.value().tracks()) {
-        for (const DocumentItem& item : track.items) {
-            QString text =
-                QString("%1: %2 %3+%4").arg(track.path.join('>'), item.label).arg(item.start).arg(item.duration);
-            for (auto attribute = item.attributes.cbegin(); attribute != item.attributes.cend(); ++attribute)
-                text += QString(" %1=%2").arg(attribute.key(), *attribute);
-            texts.append(text);
-        }
-    }
-    return texts;
-}
 
 QStringList warnings(const Result<Document>& result)
 {

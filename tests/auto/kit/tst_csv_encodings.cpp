@@ -1,10 +1,10 @@
+#include "support/gzip.h"
+
 #include <VeskTimelineKit/csv_reader.h>
 
 #include <QBuffer>
 #include <QStringEncoder>
 #include <QTest>
-
-#include <zlib.h>
 
 using namespace VeskTimeline::Kit;
 
@@ -33,22 +33,6 @@ QByteArray encoded(QStringConverter::Encoding encoding, const QString& text)
 {
     QStringEncoder encoder(encoding);
     return encoder.encode(text);
-}
-
-QByteArray packed(const QByteArray& text)
-{
-    z_stream stream{};
-    deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-    QByteArray result(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(text.size()))) + 64, '\0');
-    QByteArray input = text;
-    stream.next_in = reinterpret_cast<Bytef*>(input.data());
-    stream.avail_in = static_cast<uInt>(input.size());
-    stream.next_out = reinterpret_cast<Bytef*>(result.data());
-    stream.avail_out = static_cast<uInt>(result.size());
-    deflate(&stream, Z_FINISH);
-    result.truncate(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return result;
 }
 
 const QString text = QString::fromUtf8("begin,finish,title\n1,2,Größe – 日本 𝄞\n");
@@ -153,15 +137,15 @@ private Q_SLOTS:
 
     void packedFilesAreRead()
     {
-        QCOMPARE(label(read(packed(text.toUtf8()))), textLabel);
-        QCOMPARE(label(read(packed(encoded(QStringConverter::Utf16BE, text)))), textLabel);
-        QCOMPARE(label(read(packed(text.toUtf8()) + packed("3,4,more\n"))), "more");
+        QCOMPARE(label(read(gzipped(text.toUtf8()))), textLabel);
+        QCOMPARE(label(read(gzipped(encoded(QStringConverter::Utf16BE, text)))), textLabel);
+        QCOMPARE(label(read(gzipped(text.toUtf8()) + gzipped("3,4,more\n"))), "more");
     }
 
     void brokenPackedFilesAreRefused()
     {
-        QCOMPARE(label(read(packed(text.toUtf8()).chopped(12))), "f.csv: the packed data ends before its end");
-        QByteArray broken = packed(QByteArray("begin,finish,title\n1,2,abcdefghijklmnopqrstuvwxyz\n"));
+        QCOMPARE(label(read(gzipped(text.toUtf8()).chopped(12))), "f.csv: the packed data ends before its end");
+        QByteArray broken = gzipped(QByteArray("begin,finish,title\n1,2,abcdefghijklmnopqrstuvwxyz\n"));
         broken[12] = static_cast<char>(broken[12] ^ 0x55);
         broken[20] = static_cast<char>(broken[20] ^ 0x55);
         QVERIFY(!read(broken));
@@ -170,8 +154,8 @@ private Q_SLOTS:
 
     void aPackedFileThatSwellsIsRefused()
     {
-        const QByteArray bomb = packed("begin,finish,title\n1,2," + QByteArray(900'000, 'x') + "\n" +
-                                       QByteArray("1,2," + QByteArray(900'000, 'x') + "\n").repeated(60));
+        const QByteArray bomb = gzipped("begin,finish,title\n1,2," + QByteArray(900'000, 'x') + "\n" +
+                                        QByteArray("1,2," + QByteArray(900'000, 'x') + "\n").repeated(60));
         QVERIFY2(label(read(bomb)).endsWith("the packed data swells to more than 100 times its size"),
                  qPrintable(label(read(bomb)).left(200)));
     }

@@ -1,9 +1,10 @@
+#include "support/text_file.h"
+#include "writer_checks.h"
+
 #include <VeskTimelineKit/csv_reader.h>
 #include <VeskTimelineKit/csv_writer.h>
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
@@ -12,18 +13,17 @@ using namespace VeskTimeline::Kit;
 
 namespace {
 
+WriteResult write(const Document& document, const QString& fileName, const WriteOptions& options)
+{
+    return writeCsv(document, fileName, options);
+}
+
 Result<Document> readBack(const Document& document)
 {
     QByteArray text = csvText(document);
     QBuffer buffer(&text);
     buffer.open(QIODevice::ReadOnly);
     return readCsv(buffer, "f.csv");
-}
-
-QByteArray content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
 }
 
 Document trickyDocument()
@@ -245,55 +245,16 @@ private Q_SLOTS:
         QCOMPARE(read.value().tracks()[2].path, QStringList{"(no name)"});
     }
 
-    void aCancelledWriteKeepsTheOldFile()
-    {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("out.csv");
-        QVERIFY(writeCsv(trickyDocument(), fileName));
-        const QByteArray before = content(fileName);
-        Document document;
-        document.track({"A"}).items = {{"x", 0, 1, {}, true, {}, {}}, {"y", 0, 1, {}, true, {}, {}}};
-        double reached = 0.0;
-        const WriteResult result = writeCsv(document, fileName, {[&](double share) {
-                                                reached = share;
-                                                return false;
-                                            }});
-        QVERIFY(!result);
-        QCOMPARE(result.error().text(), fileName + ": writing was cancelled");
-        QCOMPARE(reached, 0.5);
-        QCOMPARE(content(fileName), before);
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.csv"});
-    }
+    void aCancelledWriteKeepsTheOldFile() { WriterChecks::aCancelledWriteKeepsTheOldFile("out.csv", write); }
 
     void aFileIsReplacedByTheWholeText()
     {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("out.csv");
-        QFile old(fileName);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("old");
-        old.close();
-
-        const WriteResult result = writeCsv(trickyDocument(), fileName);
-        QVERIFY(result);
-        QCOMPARE(result.value(), QStringList());
-        QCOMPARE(content(fileName), csvText(trickyDocument()));
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.csv"});
+        WriterChecks::aFileIsReplacedByTheWholeText(trickyDocument(), "out.csv", write, [](const QString& fileName) {
+            QCOMPARE(contentOf(fileName), csvText(trickyDocument()));
+        });
     }
 
-    void whatCannotBeWrittenIsReported()
-    {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("no/such/out.csv");
-        const WriteResult result = writeCsv(trickyDocument(), fileName);
-        QVERIFY(!result);
-        QCOMPARE(result.error().text(), fileName + ": No such file or directory");
-        QVERIFY(!QFile::exists(fileName));
-        QVERIFY(!writeCsv(trickyDocument(), dir.path()));
-        const QString packed = dir.filePath("out.csv.gz");
-        QCOMPARE(writeCsv(trickyDocument(), packed).error().text(), packed + ": packed files are only read");
-        QVERIFY(!QFile::exists(packed));
-    }
+    void whatCannotBeWrittenIsReported() { WriterChecks::whatCannotBeWrittenIsReported("out.csv", write); }
 };
 
 QTEST_APPLESS_MAIN(TestCsvWriter)

@@ -1,3 +1,5 @@
+#include "support/gzip.h"
+
 #include <VeskTimelineKit/document_format.h>
 
 #include <QDir>
@@ -5,27 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <zlib.h>
-
 using namespace VeskTimeline::Kit;
 
 namespace {
-
-QByteArray packed(const QByteArray& text)
-{
-    z_stream stream{};
-    deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
-    QByteArray result(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(text.size()))) + 64, '\0');
-    QByteArray input = text;
-    stream.next_in = reinterpret_cast<Bytef*>(input.data());
-    stream.avail_in = static_cast<uInt>(input.size());
-    stream.next_out = reinterpret_cast<Bytef*>(result.data());
-    stream.avail_out = static_cast<uInt>(result.size());
-    deflate(&stream, Z_FINISH);
-    result.truncate(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return result;
-}
 
 } // namespace
 
@@ -103,11 +87,11 @@ private Q_SLOTS:
         row("a.txt", native, "vtl");
         row("a.txt", "[{", "trace");
         row("a.gz", "\x1f\x8b", "trace");
-        row("a.gz", packed("[]"), "trace");
-        row("a.gz", packed("track,label"), "csv");
-        row("a", packed("track,label").left(24), "csv");
-        row("a.json.gz", packed("track,label"), "trace");
-        row("a.csv.gz", packed("[]"), "csv");
+        row("a.gz", gzipped("[]"), "trace");
+        row("a.gz", gzipped("track,label"), "csv");
+        row("a", gzipped("track,label").left(24), "csv");
+        row("a.json.gz", gzipped("track,label"), "trace");
+        row("a.csv.gz", gzipped("[]"), "csv");
         row("a.txt", "track,label", "csv");
         row("a.txt", "", "csv");
     }

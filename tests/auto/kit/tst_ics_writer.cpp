@@ -1,8 +1,10 @@
+#include "support/text_file.h"
+#include "writer_checks.h"
+
 #include <VeskTimelineKit/ics_reader.h>
 #include <VeskTimelineKit/ics_writer.h>
 
 #include <QBuffer>
-#include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -13,6 +15,11 @@
 using namespace VeskTimeline::Kit;
 
 namespace {
+
+WriteResult write(const Document& document, const QString& fileName, const WriteOptions& options)
+{
+    return writeIcs(document, fileName, options);
+}
 
 constexpr qint64 day = 86'400'000;
 
@@ -71,12 +78,6 @@ Document documentOf(const DocumentItem& item)
     Document document;
     document.track({"T"}).items = {item};
     return document;
-}
-
-QByteArray content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
 }
 
 } // namespace
@@ -334,51 +335,15 @@ private Q_SLOTS:
 
     void aFileIsReplacedByTheWholeText()
     {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("out.ics");
-        QFile old(fileName);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("old");
-        old.close();
         const Document document = documentOf({"x", 0, 0, {}, true, {}, {{"DTSTAMP", "20010203T040506Z"}}});
-        const WriteResult result = writeIcs(document, fileName);
-        QVERIFY(result);
-        QCOMPARE(result.value(), QStringList());
-        QCOMPARE(content(fileName), text(document));
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.ics"});
+        WriterChecks::aFileIsReplacedByTheWholeText(document, "out.ics", write, [&](const QString& fileName) {
+            QCOMPARE(contentOf(fileName), text(document));
+        });
     }
 
-    void aCancelledWriteKeepsTheOldFile()
-    {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("out.ics");
-        QFile old(fileName);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("old");
-        old.close();
-        Document document;
-        document.track({"A"}).items = {{"x", 0, 1, {}, true, {}, {}}, {"y", 2, 1, {}, true, {}, {}}};
-        double reached = 0.0;
-        const WriteResult result = writeIcs(document, fileName, {[&](double share) {
-                                                reached = share;
-                                                return false;
-                                            }});
-        QVERIFY(!result);
-        QCOMPARE(result.error().text(), fileName + ": writing was cancelled");
-        QCOMPARE(reached, 0.5);
-        QVERIFY(old.open(QIODevice::ReadOnly));
-        QCOMPARE(old.readAll(), QByteArray("old"));
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QFileInfo(fileName).fileName()});
-    }
+    void aCancelledWriteKeepsTheOldFile() { WriterChecks::aCancelledWriteKeepsTheOldFile("out.ics", write); }
 
-    void whatCannotBeWrittenIsReported()
-    {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("no/such/out.ics");
-        const WriteResult result = writeIcs({}, fileName);
-        QVERIFY(!result);
-        QCOMPARE(result.error().text(), fileName + ": No such file or directory");
-    }
+    void whatCannotBeWrittenIsReported() { WriterChecks::whatCannotBeWrittenIsReported("out.ics", write); }
 };
 
 QTEST_APPLESS_MAIN(TestIcsWriter)

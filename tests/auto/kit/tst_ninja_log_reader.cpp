@@ -1,3 +1,5 @@
+#include "document_contents.h"
+
 #include <VeskTimelineKit/ninja_log_reader.h>
 
 #include <QBuffer>
@@ -15,18 +17,6 @@ Result<Document> read(QByteArray text, const ReadOptions& options = {})
     QBuffer buffer(&text);
     buffer.open(QIODevice::ReadOnly);
     return readNinjaLog(buffer, "f", options);
-}
-
-QString contents(const Document& document)
-{
-    QStringList tracks;
-    for (const DocumentTrack& track : document.tracks()) {
-        QStringList items;
-        for (const DocumentItem& item : track.items)
-            items.append(QString("%1 %2+%3").arg(item.label).arg(item.start).arg(item.duration));
-        tracks.append(track.path.join('/') + (items.isEmpty() ? "" : ": " + items.join(", ")));
-    }
-    return tracks.join(" | ");
 }
 
 void compare(const QByteArray& text, const QString& expected, const QStringList& warnings = {})

@@ -1,3 +1,5 @@
+#include "support/text_file.h"
+
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_header_view.h>
 #include <VeskTimeline/timeline_view.h>
@@ -26,12 +28,6 @@ constexpr qint64 origin = 1'600'041'600'000; // a midnight, UTC
 constexpr qint64 hour = 3'600'000;
 constexpr qint64 day = 24 * hour;
 
-QByteArray content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
-
 struct Svg
 {
     QStringList texts;
@@ -42,7 +38,7 @@ struct Svg
 Svg readSvg(const QString& fileName)
 {
     Svg svg;
-    QXmlStreamReader xml(content(fileName));
+    QXmlStreamReader xml(contentOf(fileName));
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
@@ -59,7 +55,7 @@ Svg readSvg(const QString& fileName)
 QList<QByteArray> pdfPages(const QString& fileName)
 {
     QList<QByteArray> pages;
-    const QByteArray file = content(fileName);
+    const QByteArray file = contentOf(fileName);
     for (qsizetype at = file.indexOf("stream\n"); at >= 0; at = file.indexOf("stream\n", at + 1)) {
         if (file.mid(at - 3, 3) == "end")
             continue;
@@ -288,6 +284,20 @@ private Q_SLOTS:
         QCOMPARE(svg.texts.count("voyage"), 1);
     }
 
+    void anSvgIsWellFormedWhateverTheNames()
+    {
+        const QString bad = QString("a") + QChar(1) + QChar(0x1b) + QChar(0xfffe) + QChar(0xffff) + QChar(0xd800) + "z";
+        const int track = m_model->addTrack(bad);
+        m_model->addItem(track, {bad, origin, hour, {}});
+        const QString file = path("a.svg");
+        PictureOptions options;
+        options.title = bad;
+        QVERIFY(!writePicture(*m_model, file, options));
+        const Svg svg = readSvg(file);
+        QVERIFY(svg.isWellFormed);
+        QCOMPARE(svg.texts.filter(QRegularExpression("^a\uFFFD+z$")).size(), 3);
+    }
+
     void tenYearsFitOnOnePicture()
     {
         const int track = m_model->addTrack("A");
@@ -323,7 +333,7 @@ private Q_SLOTS:
         // A4 landscape less 20 mm, at three quarters: 957 pixels less ruler and footer hold 17 rows of 50.
         QCOMPARE(size.value().pages, 2 * 3);
         QVERIFY(!writePicture(*m_model, file, options));
-        const QByteArray pdf = content(file);
+        const QByteArray pdf = contentOf(file);
         QVERIFY(pdf.startsWith("%PDF-"));
         QVERIFY(pdf.contains("/Count 6"));
         QVERIFY(!pdf.contains("/Subtype /Image"));
@@ -346,7 +356,7 @@ private Q_SLOTS:
         options.pages.lastPage = 3;
         const QString file = path("a.pdf");
         QVERIFY(!writePicture(*m_model, file, options));
-        QVERIFY(content(file).contains("/Count 2"));
+        QVERIFY(contentOf(file).contains("/Count 2"));
         options.pages.firstPage = 5;
         QCOMPARE(writePicture(*m_model, file, options)->reason, QString("there is no page 5; the last one is 4"));
     }
@@ -364,8 +374,8 @@ private Q_SLOTS:
             PictureExport pages(*m_model, writer, options);
             QCOMPARE(pages.run(), std::nullopt);
         }
-        QVERIFY(content(file).contains("/MediaBox [0 0 842"));
-        QVERIFY(content(file).contains("/Count 2"));
+        QVERIFY(contentOf(file).contains("/MediaBox [0 0 842"));
+        QVERIFY(contentOf(file).contains("/Count 2"));
     }
 
     void whatCannotBePaintedIsRefused_data()
@@ -458,7 +468,7 @@ private Q_SLOTS:
         old.close();
         const std::optional<FileError> error = writePicture(*m_model, file, {}, [](double) { return false; });
         QCOMPARE(error->reason, writingCancelledReason());
-        QCOMPARE(content(file), QByteArray("old"));
+        QCOMPARE(contentOf(file), QByteArray("old"));
         QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files).size(), 1);
     }
 
@@ -478,10 +488,10 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(file));
         QVERIFY(!progress.isEmpty());
         QCOMPARE(progress.last().first().toDouble(), 1.0);
-        const QByteArray inPieces = content(file);
+        const QByteArray inPieces = contentOf(file);
         QVERIFY(!writePicture(*m_model, file));
         if (suffix != "pdf") // which says when it was made
-            QVERIFY(content(file) == inPieces);
+            QVERIFY(contentOf(file) == inPieces);
     }
 
     void aCancelledExportEndsOnce_data() { suffixes(); }

@@ -1,3 +1,6 @@
+#include "document_contents.h"
+#include "support/gzip.h"
+
 #include <VeskTimelineKit/trace_reader.h>
 
 #include <QBuffer>
@@ -6,7 +9,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <zlib.h>
 
 using namespace VeskTimeline::Kit;
 
@@ -19,36 +21,6 @@ Result<Document> read(QByteArray text, double stretch = 1000.0)
     ReadOptions options;
     options.stretch = stretch;
     return readTrace(buffer, "f", options);
-}
-
-QByteArray packed(const QByteArray& data)
-{
-    z_stream stream{};
-    if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, 15 + 16, 9, Z_DEFAULT_STRATEGY) != Z_OK)
-        qFatal("no zlib");
-    QByteArray result(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(data.size()))), '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.constData()));
-    stream.avail_in = static_cast<uInt>(data.size());
-    stream.next_out = reinterpret_cast<Bytef*>(result.data());
-    stream.avail_out = static_cast<uInt>(result.size());
-    if (deflate(&stream, Z_FINISH) != Z_STREAM_END)
-        qFatal("not packed");
-    result.resize(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return result;
-}
-
-/// "path: label start+duration, ..." for each track, joined by " | ".
-QString contents(const Document& document)
-{
-    QStringList tracks;
-    for (const DocumentTrack& track : document.tracks()) {
-        QStringList items;
-        for (const DocumentItem& item : track.items)
-            items.append(QString("%1 %2+%3").arg(item.label).arg(item.start).arg(item.duration));
-        tracks.append(track.path.join('/') + (items.isEmpty() ? "" : ": " + items.join(", ")));
-    }
-    return tracks.join(" | ");
 }
 
 const QString stretchWarning =
@@ -351,8 +323,8 @@ private Q_SLOTS:
     {
         const QByteArray text = "[" + traceEvent("X", "5", "a", ",\"dur\":7") + "]";
         const QString expected = "process 1 | process 1/thread 2: a 5+7";
-        compare(packed(text), expected);
-        compare(packed(text.left(20)) + packed(text.mid(20)), expected);
+        compare(gzipped(text), expected);
+        compare(gzipped(text.left(20)) + gzipped(text.mid(20)), expected);
     }
 
     void aPackedTraceThatIsCutOffIsReadAsFarAsItGoes()
@@ -361,7 +333,7 @@ private Q_SLOTS:
         QRandomGenerator random(1);
         for (int i = 0; i < 1000; ++i)
             text += traceEvent("i", QByteArray::number(i), QByteArray::number(random.generate()).constData()) + ",\n";
-        const QByteArray whole = packed(text);
+        const QByteArray whole = gzipped(text);
         const Result<Document> result = read(whole.left(whole.size() / 2));
         QVERIFY(result);
         QVERIFY(result.value().itemCount() > 100 && result.value().itemCount() < 900);
@@ -370,7 +342,7 @@ private Q_SLOTS:
 
     void whatSwellsBeyondMeasureIsRefused()
     {
-        const Result<Document> result = read(packed("[" + QByteArray(40 * 1024 * 1024, ' ') + "]"));
+        const Result<Document> result = read(gzipped("[" + QByteArray(40 * 1024 * 1024, ' ') + "]"));
         QVERIFY(!result);
         QCOMPARE(result.error().text(), "f: the packed data swells to more than 100 times its size");
     }

@@ -1,9 +1,9 @@
+#include "writer_checks.h"
+
 #include <VeskTimelineKit/vtl_reader.h>
 #include <VeskTimelineKit/vtl_writer.h>
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -12,6 +12,11 @@
 using namespace VeskTimeline::Kit;
 
 namespace {
+
+WriteResult write(const Document& document, const QString& fileName, const WriteOptions& options)
+{
+    return writeVtl(document, fileName, options);
+}
 
 Result<Document> read(QByteArray text, const ReadOptions& options = {})
 {
@@ -381,51 +386,21 @@ private Q_SLOTS:
 
     void aFileIsReplacedByTheWholeText()
     {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("out.vtl.json");
-        QFile old(fileName);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("old");
-        old.close();
-
         const Document document = RandomDocument(1).make();
-        const WriteResult written = writeVtl(document, fileName);
-        QVERIFY(written);
-        QCOMPARE(written.value(), QStringList());
-        const Result<Document> result = readVtl(fileName, {});
-        QVERIFY(result);
-        compare(result.value(), document);
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.vtl.json"});
+        WriterChecks::aFileIsReplacedByTheWholeText(document, "out.vtl.json", write, [&](const QString& fileName) {
+            const Result<Document> result = readVtl(fileName, {});
+            QVERIFY(result);
+            compare(result.value(), document);
+        });
     }
 
-    void aCancelledWriteKeepsTheOldFile()
-    {
-        QTemporaryDir dir;
-        const QString fileName = dir.filePath("out.vtl.json");
-        QFile old(fileName);
-        QVERIFY(old.open(QIODevice::WriteOnly));
-        old.write("old");
-        old.close();
-        Document document;
-        document.track({"A"}).items = {{"x", 0, 1, {}, true, {}, {}}, {"y", 2, 1, {}, true, {}, {}}};
-        double reached = 0.0;
-        const WriteResult result = writeVtl(document, fileName, {[&](double share) {
-                                                reached = share;
-                                                return false;
-                                            }});
-        QVERIFY(!result);
-        QCOMPARE(result.error().text(), fileName + ": writing was cancelled");
-        QCOMPARE(reached, 0.5);
-        QVERIFY(old.open(QIODevice::ReadOnly));
-        QCOMPARE(old.readAll(), QByteArray("old"));
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QFileInfo(fileName).fileName()});
-    }
+    void aCancelledWriteKeepsTheOldFile() { WriterChecks::aCancelledWriteKeepsTheOldFile("out.vtl.json", write); }
 
     void whatCannotBeReadOrWrittenIsReported()
     {
         QTemporaryDir dir;
         const QString fileName = dir.filePath("no/such/out.vtl.json");
-        QCOMPARE(writeVtl(Document(), fileName).error().text(), fileName + ": No such file or directory");
+        WriterChecks::whatCannotBeWrittenIsReported("out.vtl.json", write);
         QCOMPARE(readVtl(fileName, {}).error().text(), fileName + ": No such file or directory");
         QCOMPARE(readVtl(dir.path(), {}).error().text(), dir.path() + ": is a directory");
         QCOMPARE(readVtl(QString(), {}).error().text(), ": no file name");

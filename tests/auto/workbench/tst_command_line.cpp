@@ -1,3 +1,6 @@
+#include "run_workbench.h"
+#include "support/text_file.h"
+
 #include <VeskTimelineKit/csv_reader.h>
 #include <VeskTimelineKit/csv_writer.h>
 
@@ -5,46 +8,12 @@
 #include <QFile>
 #include <QImage>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
 
-const QString program = QStringLiteral(PROGRAM_FILE);
 const QString sample = QStringLiteral(SAMPLE_FILE);
-
-struct Run
-{
-    int status = -1;
-    QString output;
-    QString errors;
-};
-
-enum class Platform { None, Offscreen };
-
-Run run(const QStringList& arguments, Platform platform = Platform::None)
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* const name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-        environment.remove(name);
-    if (platform == Platform::Offscreen)
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
-
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
-        return {-1, process.errorString(), QString::fromUtf8(process.readAllStandardError())};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
-QByteArray content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
 
 } // namespace
 
@@ -62,7 +31,7 @@ private Q_SLOTS:
 
     void infoIsOneJsonObject()
     {
-        const Run result = run({"--info", sample});
+        const WorkbenchRun result = runWorkbench({"--info", sample});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
         QVERIFY(QJsonDocument::fromJson(result.output.toUtf8()).isObject());
@@ -72,7 +41,7 @@ private Q_SLOTS:
 
     void infoOfNoItemsHasNoTimes()
     {
-        const Run result = run({"--info", write("a.csv", "track,label,start,end\n")});
+        const WorkbenchRun result = runWorkbench({"--info", write("a.csv", "track,label,start,end\n")});
         QCOMPARE(result.status, 0);
         QCOMPARE(result.output, "{\"end\":null,\"items\":0,\"start\":null,\"tracks\":0,\"warnings\":[]}\n");
     }
@@ -81,7 +50,7 @@ private Q_SLOTS:
     {
         const QString file =
             write("a.csv", "track,label,start,end\nA/B,x,-62135596800000,253402300799999\nA,y,1,8640000000000000\n");
-        const Run result = run({"--info", file});
+        const WorkbenchRun result = runWorkbench({"--info", file});
         QCOMPARE(result.output,
                  QString("{\"end\":253402300799999,\"items\":1,\"start\":-62135596800000,\"tracks\":2,\"warnings\":["
                          "\"%1:3: the record is left out: the end \\\"8640000000000000\\\" is outside the years 1 to "
@@ -94,7 +63,8 @@ private Q_SLOTS:
     {
         const QString a = write("a.csv", "track,label,start,end\nA/B,x,5,6\nC,x,5,6\n");
         const QString b = write("b.csv", "track,label,start,duration\nC,x,1,1\nA/B,x,9,1\nA/D,x,5,1\n");
-        QCOMPARE(run({"--info", a, b}).output, "{\"end\":10,\"items\":5,\"start\":1,\"tracks\":9,\"warnings\":[]}\n");
+        QCOMPARE(runWorkbench({"--info", a, b}).output,
+                 "{\"end\":10,\"items\":5,\"start\":1,\"tracks\":9,\"warnings\":[]}\n");
     }
 
     void withoutAUserNoDialogWaits()
@@ -111,7 +81,7 @@ private Q_SLOTS:
         const QString late = write("late.csv", "track,label,start,end\nA,\"x\ny\",5,6\nA,x,6,5\n");
         const QString empty = write("empty.csv", "");
         const QString missing = m_dir->filePath("missing.csv");
-        const Run result = run({"--info", good, late, empty, missing, m_dir->path()});
+        const WorkbenchRun result = runWorkbench({"--info", good, late, empty, missing, m_dir->path()});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
         QCOMPARE(result.errors, QString("%1:4: the end is before the start\n%2: the file is empty\n"
@@ -134,7 +104,7 @@ private Q_SLOTS:
             option.replace("OUT", m_dir->filePath("OUT"));
         const QString bad = write("bad.csv", "track,label,start,end\nA,x,5,6\nA,\"x,6,5\n");
         for (const Platform platform : {Platform::None, Platform::Offscreen}) {
-            const Run result = run(options + QStringList{sample, bad}, platform);
+            const WorkbenchRun result = runWorkbench(options + QStringList{sample, bad}, platform);
             QCOMPARE(result.status, 1);
             QCOMPARE(result.output, QString());
             QCOMPARE(result.errors, bad + ":3: unterminated quote\n");
@@ -145,27 +115,27 @@ private Q_SLOTS:
     void convertingWritesTheFile()
     {
         const QString out = m_dir->filePath("out.csv");
-        const Run result = run({"--convert", out, sample});
+        const WorkbenchRun result = runWorkbench({"--convert", out, sample});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.output, QString());
         QCOMPARE(result.status, 0);
-        QCOMPARE(content(out), csvText(VeskTimeline::Kit::readCsv(sample).value()));
+        QCOMPARE(contentOf(out), csvText(VeskTimeline::Kit::readCsv(sample).value()));
         QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.csv"});
     }
 
     void aFileCanBeConvertedIntoItself()
     {
         const QString file = write("a.csv", "label,track,start,end\nx,A,5,6\n");
-        QCOMPARE(run({"--convert", file, file}).status, 0);
-        QCOMPARE(content(file), QByteArray("track,label,start,end,color,editable\n"
-                                           "A,x,1970-01-01T00:00:00.005Z,1970-01-01T00:00:00.006Z,,true\n"));
+        QCOMPARE(runWorkbench({"--convert", file, file}).status, 0);
+        QCOMPARE(contentOf(file), QByteArray("track,label,start,end,color,editable\n"
+                                             "A,x,1970-01-01T00:00:00.005Z,1970-01-01T00:00:00.006Z,,true\n"));
     }
 
     void aRefusedFileLeavesWhatWasThereBefore()
     {
         const QString out = write("out.csv", "old");
-        QCOMPARE(run({"--convert", out, sample, m_dir->filePath("missing.csv")}).status, 1);
-        QCOMPARE(content(out), QByteArray("old"));
+        QCOMPARE(runWorkbench({"--convert", out, sample, m_dir->filePath("missing.csv")}).status, 1);
+        QCOMPARE(contentOf(out), QByteArray("old"));
     }
 
     void whatIsLeftOutByConvertingIsWarnedOf()
@@ -174,7 +144,7 @@ private Q_SLOTS:
         const QString left =
             "warning: %1:3: the record is left out: the start \"8640000000000000\" is outside the years "
             "1 to 9999\n";
-        const Run result = run({"--convert", m_dir->filePath("out.csv"), file});
+        const WorkbenchRun result = runWorkbench({"--convert", m_dir->filePath("out.csv"), file});
         QCOMPARE(result.status, 0);
         QCOMPARE(result.errors, left.arg(file));
     }
@@ -184,24 +154,24 @@ private Q_SLOTS:
         const QString file = write("a.vtl.json", "{\"format\":\"vesk-timeline\",\"version\":1,\"tracks\":[{\"path\":"
                                                  "[\"A\"],\"color\":\"#ff0000\"}],\"items\":[]}");
         const QString out = m_dir->filePath("out.csv");
-        const Run result = run({"--convert", out, file});
+        const WorkbenchRun result = runWorkbench({"--convert", out, file});
         QCOMPARE(result.status, 0);
         QCOMPARE(result.errors, QString("warning: CSV has no place for the colors of tracks; left out: 1\n"));
-        QCOMPARE(content(out), QByteArray("track,label,start,end,color,editable\nA,,,,,\n"));
+        QCOMPARE(contentOf(out), QByteArray("track,label,start,end,color,editable\nA,,,,,\n"));
     }
 
     void csvFilesAreReadAsTheOptionsSay()
     {
         const QString file = write("a.txt", "one;\"two, +\";t;len;who\nA;B;02.03.2015 10:00;1,5;G\xF6\xE9\x80\n");
         const QString out = m_dir->filePath("out.csv");
-        const Run result =
-            run({"--convert", out, "--from", "csv", "--map", "track=one+two\\, \\+,start=t,duration=len,label=who",
-                 "--delimiter", ";", "--decimal", ",", "--encoding", "windows-1252", "--time-unit", "s",
-                 "--date-format", "dd.MM.yyyy", "--time-zone", "Europe/Berlin", file});
+        const WorkbenchRun result = runWorkbench(
+            {"--convert", out, "--from", "csv", "--map", "track=one+two\\, \\+,start=t,duration=len,label=who",
+             "--delimiter", ";", "--decimal", ",", "--encoding", "windows-1252", "--time-unit", "s", "--date-format",
+             "dd.MM.yyyy", "--time-zone", "Europe/Berlin", file});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
         QCOMPARE(
-            QString::fromUtf8(content(out)),
+            QString::fromUtf8(contentOf(out)),
             "track,label,start,end,color,editable\nA/B,Göé€,2015-03-02T09:00:00Z,2015-03-02T09:00:01.500Z,,true\n");
     }
 
@@ -209,7 +179,7 @@ private Q_SLOTS:
     {
         const QString file = write("a.csv", "start\tend\tlabel,x\n1\t2\ta\n");
         for (const QString& tab : {QString("tab"), QString("TAB"), QString("\\t"), QString("\t")}) {
-            const Run result = run({"--info", "--delimiter", tab, "--map", "label=label\\,x", file});
+            const WorkbenchRun result = runWorkbench({"--info", "--delimiter", tab, "--map", "label=label\\,x", file});
             QCOMPARE(result.status, 0);
             QVERIFY2(result.output.startsWith("{\"end\":2,\"items\":1,\"start\":1,"), qPrintable(result.output));
         }
@@ -218,7 +188,7 @@ private Q_SLOTS:
     void aColumnThatIsNotThereRefusesTheFile()
     {
         const QString file = write("a.csv", "start,end\n1,2\n");
-        const Run result = run({"--info", "--map", "start=begin", file});
+        const WorkbenchRun result = runWorkbench({"--info", "--map", "start=begin", file});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, file + ":1: there is no column \"begin\"\n");
         QCOMPARE(result.output, QString());
@@ -227,12 +197,12 @@ private Q_SLOTS:
     void anOutputThatCannotBeWrittenIsReported()
     {
         const QString csv = m_dir->filePath("no/out.csv");
-        Run result = run({"--convert", csv, sample});
+        WorkbenchRun result = runWorkbench({"--convert", csv, sample});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, csv + ": No such file or directory\n");
 
         const QString png = m_dir->filePath("no/out.png");
-        result = run({"--screenshot", png, sample});
+        result = runWorkbench({"--screenshot", png, sample});
         QCOMPARE(result.status, 1);
         QVERIFY2(result.errors.endsWith(png + ": No such file or directory\n"), qPrintable(result.errors));
     }
@@ -242,8 +212,8 @@ private Q_SLOTS:
         const QString withFile = m_dir->filePath("a.png");
         const QString empty = m_dir->filePath("b.PNG");
         for (const Platform platform : {Platform::None, Platform::Offscreen}) {
-            QCOMPARE(run({"--screenshot", withFile, sample}, platform).status, 0);
-            QCOMPARE(run({"--screenshot", empty}, platform).status, 0);
+            QCOMPARE(runWorkbench({"--screenshot", withFile, sample}, platform).status, 0);
+            QCOMPARE(runWorkbench({"--screenshot", empty}, platform).status, 0);
             const QImage picture(withFile);
             QCOMPARE(picture.size(), QSize(1440, 800));
             QVERIFY(picture != QImage(empty));
@@ -259,19 +229,10 @@ private Q_SLOTS:
     void aScreenshotSaysNothingAndLeavesNoTrace()
     {
         const QTemporaryDir home;
-        QDir(home.path()).mkpath("runtime");
-        QFile::setPermissions(home.filePath("runtime"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         const QByteArray configBefore = qgetenv("XDG_CONFIG_HOME");
-        const QByteArray runtimeBefore = qgetenv("XDG_RUNTIME_DIR");
         qputenv("XDG_CONFIG_HOME", home.filePath("config").toLocal8Bit());
-        // Qt remarks on a missing one.
-        qputenv("XDG_RUNTIME_DIR", home.filePath("runtime").toLocal8Bit());
-        const Run result = run({"--screenshot", m_dir->filePath("a.png"), sample});
+        const WorkbenchRun result = runWorkbench({"--screenshot", m_dir->filePath("a.png"), sample});
         qputenv("XDG_CONFIG_HOME", configBefore);
-        if (runtimeBefore.isEmpty())
-            qunsetenv("XDG_RUNTIME_DIR");
-        else
-            qputenv("XDG_RUNTIME_DIR", runtimeBefore);
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.output, QString());
         QCOMPARE(result.status, 0);
@@ -281,14 +242,16 @@ private Q_SLOTS:
     void anUnknownThemeIsRefused()
     {
         for (const QString& name : {QString("purple"), QString("Dark"), QString("")}) {
-            const Run result = run({"--theme=" + name, "--screenshot", m_dir->filePath("a.png")}, Platform::Offscreen);
+            const WorkbenchRun result =
+                runWorkbench({"--theme=" + name, "--screenshot", m_dir->filePath("a.png")}, Platform::Offscreen);
             QCOMPARE(result.status, 2);
             QCOMPARE(result.errors, QString("vesk-timeline-workbench: there is no look \"%1\"; there are system, light "
                                             "and dark\n")
                                         .arg(name));
             QVERIFY(!QFile::exists(m_dir->filePath("a.png")));
         }
-        const Run result = run({"--screenshot", m_dir->filePath("a.png"), "--theme"}, Platform::Offscreen);
+        const WorkbenchRun result =
+            runWorkbench({"--screenshot", m_dir->filePath("a.png"), "--theme"}, Platform::Offscreen);
         QCOMPARE(result.status, 2);
         QVERIFY2(result.errors.contains("--theme"), qPrintable(result.errors));
     }
@@ -297,8 +260,8 @@ private Q_SLOTS:
     {
         const QString light = m_dir->filePath("light.png");
         const QString dark = m_dir->filePath("dark.png");
-        QCOMPARE(run({"--theme", "light", "--screenshot", light}).status, 0);
-        QCOMPARE(run({"--theme", "dark", "--screenshot", dark}).status, 0);
+        QCOMPARE(runWorkbench({"--theme", "light", "--screenshot", light}).status, 0);
+        QCOMPARE(runWorkbench({"--theme", "dark", "--screenshot", dark}).status, 0);
         const QPoint toolBar(1400, 40);
         QVERIFY(QImage(light).pixelColor(toolBar).lightness() > 150);
         QVERIFY(QImage(dark).pixelColor(toolBar).lightness() < 100);
@@ -306,7 +269,7 @@ private Q_SLOTS:
 
     void withoutADisplayThereIsNoWindow()
     {
-        const Run result = run({sample});
+        const WorkbenchRun result = runWorkbench({sample});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, "there is no display; --screenshot OUT.png saves a picture of the window\n");
     }
@@ -315,38 +278,39 @@ private Q_SLOTS:
     {
         const QString file = write("a.txt", "track,label,start,end\nA,x,5,6\n");
         const QString info = "{\"end\":6,\"items\":1,\"start\":5,\"tracks\":1,\"warnings\":[]}\n";
-        QCOMPARE(run({"--info", "--from", "csv", file}).output, info);
-        QCOMPARE(run({"--info", "--from=CSV", file}).output, info);
-        QCOMPARE(run({"--info", file}).output, info);
+        QCOMPARE(runWorkbench({"--info", "--from", "csv", file}).output, info);
+        QCOMPARE(runWorkbench({"--info", "--from=CSV", file}).output, info);
+        QCOMPARE(runWorkbench({"--info", file}).output, info);
     }
 
     void theFormatIsToldByTheContent()
     {
         const QString trace = write("a.json", "[{\"ph\":\"i\",\"ts\":5,\"name\":\"x\",\"pid\":1,\"tid\":1}]");
         const QString native = m_dir->filePath("b.json");
-        QCOMPARE(run({"--convert", native, "--stretch", "1", trace}).status, 0);
-        QVERIFY(content(native).contains("vesk-timeline"));
-        QCOMPARE(run({"--info", native}).output, "{\"end\":0,\"items\":1,\"start\":0,\"tracks\":2,\"warnings\":[]}\n");
+        QCOMPARE(runWorkbench({"--convert", native, "--stretch", "1", trace}).status, 0);
+        QVERIFY(contentOf(native).contains("vesk-timeline"));
+        QCOMPARE(runWorkbench({"--info", native}).output,
+                 "{\"end\":0,\"items\":1,\"start\":0,\"tracks\":2,\"warnings\":[]}\n");
     }
 
     void nothingIsLostByWayOfTheNativeFormat()
     {
         const QString native = m_dir->filePath("a.vtl.json");
         const QString back = m_dir->filePath("back.csv");
-        QCOMPARE(run({"--convert", native, sample}).status, 0);
-        QCOMPARE(run({"--convert", back, native}).status, 0);
-        QCOMPARE(content(back), csvText(VeskTimeline::Kit::readCsv(sample).value()));
+        QCOMPARE(runWorkbench({"--convert", native, sample}).status, 0);
+        QCOMPARE(runWorkbench({"--convert", back, native}).status, 0);
+        QCOMPARE(contentOf(back), csvText(VeskTimeline::Kit::readCsv(sample).value()));
     }
 
     void tracesAreStretchedAsToldAndTheWarningSaysSo()
     {
         const QString trace = write("a.json", "[{\"ph\":\"X\",\"ts\":2000,\"dur\":1000,\"pid\":1,\"tid\":1}]");
         QCOMPARE(
-            run({"--info", trace}).output,
+            runWorkbench({"--info", trace}).output,
             QString("{\"end\":3000,\"items\":1,\"start\":2000,\"tracks\":2,\"warnings\":[\"%1: times are stretched "
                     "by 1000: one microsecond of the trace is 1 ms of the axis\"]}\n")
                 .arg(trace));
-        QCOMPARE(run({"--info", "--stretch", "10.5", trace}).output,
+        QCOMPARE(runWorkbench({"--info", "--stretch", "10.5", trace}).output,
                  QString("{\"end\":31,\"items\":1,\"start\":21,\"tracks\":2,\"warnings\":[\"%1: times are stretched by "
                          "10.5: one microsecond of the trace is 0.0105 ms of the axis\",\"%1: times cut to whole "
                          "milliseconds: 1\"]}\n")
@@ -359,14 +323,14 @@ private Q_SLOTS:
             write("a.ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\nBEGIN:VEVENT\r\nUID:1\r\n"
                            "DTSTAMP:20200101T000000Z\r\nDTSTART:20200101T000000Z\r\nDTEND:20200101T010000Z\r\n"
                            "RRULE:FREQ=DAILY;COUNT=100\r\nSUMMARY:x\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
-        const auto items = [](const Run& result) {
+        const auto items = [](const WorkbenchRun& result) {
             return QJsonDocument::fromJson(result.output.toUtf8())["items"].toInt();
         };
-        QCOMPARE(items(run({"--info", calendar})), 100);
-        QCOMPARE(items(run({"--info", "--expand", "2020-01-03..2020-01-10", calendar})), 7);
-        QCOMPARE(items(run({"--info", "--expand", "2020-01-03T01:00+01:00..2020-01-10T00:00Z", calendar})), 7);
-        QCOMPARE(items(run({"--info", "--expand", "1577836800000..1577836800001", calendar})), 1);
-        QCOMPARE(items(run({"--info", "--expand=-5..5", calendar})), 0);
+        QCOMPARE(items(runWorkbench({"--info", calendar})), 100);
+        QCOMPARE(items(runWorkbench({"--info", "--expand", "2020-01-03..2020-01-10", calendar})), 7);
+        QCOMPARE(items(runWorkbench({"--info", "--expand", "2020-01-03T01:00+01:00..2020-01-10T00:00Z", calendar})), 7);
+        QCOMPARE(items(runWorkbench({"--info", "--expand", "1577836800000..1577836800001", calendar})), 1);
+        QCOMPARE(items(runWorkbench({"--info", "--expand=-5..5", calendar})), 0);
     }
 
     void wrongUsageIsToldApart_data()
@@ -434,7 +398,7 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, error);
-        const Run result = run(arguments);
+        const WorkbenchRun result = runWorkbench(arguments);
         QCOMPARE(result.errors, error);
         QCOMPARE(result.output, QString());
         QCOMPARE(result.status, 2);
@@ -442,7 +406,7 @@ private Q_SLOTS:
 
     void helpAndVersionArePrinted()
     {
-        const Run help = run({"--help"});
+        const WorkbenchRun help = runWorkbench({"--help"});
         QCOMPARE(help.status, 0);
         QCOMPARE(help.errors, QString());
         for (const char* const option :
@@ -450,26 +414,20 @@ private Q_SLOTS:
               "--expand <START..END>", "csv, vtl, ics, trace, ninja", "--map <FIELD=COLUMN,...>", "--delimiter",
               "--decimal", "--encoding", "--time-unit", "--date-format", "--time-zone"})
             QVERIFY2(help.output.contains(option), option);
-        const Run version = run({"--version"});
+        const WorkbenchRun version = runWorkbench({"--version"});
         QCOMPARE(version.status, 0);
         QVERIFY(QRegularExpression("^vesk-timeline-workbench \\d+\\.\\d+\\.\\d+\n$").match(version.output).hasMatch());
     }
 
     void fileNamesThatLookLikeOptionsFollowADoubleDash()
     {
-        const Run result = run({"--info", "--", "-style"});
+        const WorkbenchRun result = runWorkbench({"--info", "--", "-style"});
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, "-style: No such file or directory\n");
     }
 
 private:
-    QString write(const QString& name, const QByteArray& text)
-    {
-        QFile file(m_dir->filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-            qFatal("cannot write %s", qPrintable(file.fileName()));
-        return file.fileName();
-    }
+    QString write(const QString& name, const QByteArray& text) const { return writeFile(m_dir->filePath(name), text); }
 
     std::unique_ptr<QTemporaryDir> m_dir;
 };

@@ -1,48 +1,15 @@
+#include "run_workbench.h"
+#include "support/text_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
 
-const QString program = QStringLiteral(PROGRAM_FILE);
 const QString sample = QStringLiteral(SAMPLE_FILE);
-
-struct Run
-{
-    int status = -1;
-    QString output;
-    QString errors;
-};
-
-// Without any display.
-Run run(const QStringList& arguments)
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* const name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-        environment.remove(name);
-    environment.insert("XDG_RUNTIME_DIR", QDir::tempPath());
-    environment.insert("QT_LOGGING_RULES", "qt.qpa.*=false");
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit)
-        return {-1, process.errorString(), QString::fromUtf8(process.readAllStandardError())};
-    QString errors;
-    for (const QString& line : QString::fromUtf8(process.readAllStandardError()).split('\n', Qt::SkipEmptyParts)) {
-        if (!line.startsWith("QStandardPaths:"))
-            errors += line + '\n';
-    }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()), errors};
-}
-
-QByteArray content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
 
 } // namespace
 
@@ -71,18 +38,18 @@ private Q_SLOTS:
         QFETCH(const QString, name);
         QFETCH(const QByteArray, head);
         const QString file = m_dir->filePath(name);
-        const Run result = run({"--convert", file, sample});
+        const WorkbenchRun result = runWorkbench({"--convert", file, sample});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.output, QString());
         QCOMPARE(result.status, 0);
-        QVERIFY(content(file).startsWith(head));
+        QVERIFY(contentOf(file).startsWith(head));
         QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files), QStringList{name});
     }
 
     void sizeAndColoursAreThoseAskedFor()
     {
         const QString file = m_dir->filePath("a.png");
-        QCOMPARE(run({"--convert", file, "--width", "800", "--scale", "2", "--dark", sample}).status, 0);
+        QCOMPARE(runWorkbench({"--convert", file, "--width", "800", "--scale", "2", "--dark", sample}).status, 0);
         const QImage picture(file);
         QCOMPARE(picture.size(), QSize(1600, 2 * (70 + 9 * 50)));
         QVERIFY(picture.pixelColor(2, 2).lightness() < 64);
@@ -97,11 +64,11 @@ private Q_SLOTS:
                                               "2020-01-01T06:00:00Z\n\"A,B\",comma,2020-01-01T00:00:00Z,"
                                               "2020-01-01T06:00:00Z\nShore,rest,2020-01-01T00:00:00Z,"
                                               "2020-01-01T06:00:00Z\n");
-        const Run result = run({"--convert", file, "--range", "2020-01-01..2020-01-02", "--tracks", "Ship/Deck,A\\,B",
-                                "--title", "The <title>", source});
+        const WorkbenchRun result = runWorkbench({"--convert", file, "--range", "2020-01-01..2020-01-02", "--tracks",
+                                                  "Ship/Deck,A\\,B", "--title", "The <title>", source});
         QCOMPARE(result.errors, QString());
         QCOMPARE(result.status, 0);
-        const QByteArray svg = content(file);
+        const QByteArray svg = contentOf(file);
         for (const char* const shown : {">Ship<", ">Deck<", ">watch<", ">A,B<", ">comma<", "The &lt;title&gt;"})
             QVERIFY2(svg.contains(shown), shown);
         for (const char* const hidden : {"later", "Hold", "cargo", "Shore", "rest<"})
@@ -112,16 +79,17 @@ private Q_SLOTS:
     {
         const QString file = m_dir->filePath("a.svg");
         const QString source = write("a.csv", "track,label,start,end\nShip/Deck,watch,5,600000\nShore,rest,5,600000\n");
-        QCOMPARE(run({"--convert", file, "--tracks", "Ship", source}).status, 0);
-        QVERIFY(content(file).contains(">watch<"));
-        QVERIFY(!content(file).contains(">Shore<"));
+        QCOMPARE(runWorkbench({"--convert", file, "--tracks", "Ship", source}).status, 0);
+        QVERIFY(contentOf(file).contains(">watch<"));
+        QVERIFY(!contentOf(file).contains(">Shore<"));
     }
 
     void pagesAreThoseAskedFor()
     {
         const QString file = m_dir->filePath("a.pdf");
-        QCOMPARE(run({"--convert", file, "--page", "a3", "--portrait", "--pages-across", "4", sample}).status, 0);
-        const QByteArray pdf = content(file);
+        QCOMPARE(runWorkbench({"--convert", file, "--page", "a3", "--portrait", "--pages-across", "4", sample}).status,
+                 0);
+        const QByteArray pdf = contentOf(file);
         QVERIFY(pdf.contains("/Count 4"));
         QVERIFY(pdf.contains("/MediaBox [0 0 842") && pdf.contains("1191"));
     }
@@ -150,7 +118,7 @@ private Q_SLOTS:
         QFETCH(const QStringList, arguments);
         QFETCH(const QString, reason);
         const QString file = m_dir->filePath("a.png");
-        const Run result = run(QStringList{"--convert", file} + arguments + QStringList{sample});
+        const WorkbenchRun result = runWorkbench(QStringList{"--convert", file} + arguments + QStringList{sample});
         QCOMPARE(result.errors, "vesk-timeline-workbench: " + reason + '\n');
         QCOMPARE(result.status, 2);
         QVERIFY(!QFile::exists(file));
@@ -165,7 +133,7 @@ private Q_SLOTS:
     void optionsOfPicturesGoWithPicturesOnly()
     {
         QFETCH(const QStringList, arguments);
-        const Run result = run(arguments + QStringList{sample});
+        const WorkbenchRun result = runWorkbench(arguments + QStringList{sample});
         QCOMPARE(result.errors, "vesk-timeline-workbench: --dark goes with --convert to a .png, .svg or .pdf\n");
         QCOMPARE(result.status, 2);
     }
@@ -173,33 +141,27 @@ private Q_SLOTS:
     void whatCannotBePaintedIsAnErrorOfTheFile()
     {
         const QString file = m_dir->filePath("a.png");
-        const Run empty = run({"--convert", file, write("a.csv", "track,label,start,end\n")});
+        const WorkbenchRun empty = runWorkbench({"--convert", file, write("a.csv", "track,label,start,end\n")});
         QCOMPARE(empty.errors, file + ": there are no items; say which range to show\n");
         QCOMPARE(empty.status, 1);
-        const Run large = run({"--convert", file, "--width", "1000000", sample});
+        const WorkbenchRun large = runWorkbench({"--convert", file, "--width", "1000000", sample});
         QVERIFY(large.errors.contains("more than the 100 million that are possible"));
         QCOMPARE(large.status, 1);
         const QString missing = m_dir->filePath("missing/a.pdf");
-        QCOMPARE(run({"--convert", missing, sample}).errors, missing + ": No such file or directory\n");
+        QCOMPARE(runWorkbench({"--convert", missing, sample}).errors, missing + ": No such file or directory\n");
         QVERIFY(!QFile::exists(file));
     }
 
     void theHelpNamesTheOptions()
     {
-        const QString help = run({"--help"}).output;
+        const QString help = runWorkbench({"--help"}).output;
         for (const char* const option :
              {"--range <START..END>", "--tracks <PATH[,PATH...]>", "--page <SIZE>", "--dark"})
             QVERIFY2(help.contains(QLatin1String(option)), option);
     }
 
 private:
-    QString write(const QString& name, const QByteArray& text) const
-    {
-        QFile file(m_dir->filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-            qCritical("cannot write %s", qPrintable(name));
-        return file.fileName();
-    }
+    QString write(const QString& name, const QByteArray& text) const { return writeFile(m_dir->filePath(name), text); }
 
     std::unique_ptr<QTemporaryDir> m_dir;
 };

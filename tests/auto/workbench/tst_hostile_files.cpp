@@ -1,4 +1,5 @@
 #include "measured_run.h"
+#include "support/gzip.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,7 +12,6 @@
 
 #include <limits>
 #include <sys/stat.h>
-#include <zlib.h>
 
 namespace {
 
@@ -54,29 +54,6 @@ QByteArray calendar(const QByteArray& lines)
 QByteArray vtl(const QByteArray& tracks)
 {
     return "{\"format\": \"vesk-timeline\", \"version\": 1, \"tracks\": [" + tracks + "]}";
-}
-
-QByteArray gzipped(const QByteArray& chunk, int times)
-{
-    z_stream stream = {};
-    if (deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 9, Z_DEFAULT_STRATEGY) != Z_OK)
-        qFatal("deflateInit2");
-    QByteArray packed;
-    QByteArray part(1 << 16, '\0');
-    QByteArray input = chunk;
-    for (int i = 0; i < times; ++i) {
-        stream.next_in = reinterpret_cast<Bytef*>(input.data());
-        stream.avail_in = static_cast<uInt>(input.size());
-        const int flush = i + 1 == times ? Z_FINISH : Z_NO_FLUSH;
-        do {
-            stream.next_out = reinterpret_cast<Bytef*>(part.data());
-            stream.avail_out = static_cast<uInt>(part.size());
-            deflate(&stream, flush);
-            packed.append(part.constData(), part.size() - static_cast<qsizetype>(stream.avail_out));
-        } while (stream.avail_out == 0);
-    }
-    deflateEnd(&stream);
-    return packed;
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+#include "support/text_file.h"
+
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimeline/timeline_widget.h>
 #include <VeskTimelineKit/picture_export.h>
@@ -33,12 +35,6 @@ namespace {
 
 constexpr qint64 origin = 1'600'041'600'000;
 constexpr qint64 hour = 3'600'000;
-
-QByteArray content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
 
 Document document()
 {
@@ -106,7 +102,7 @@ private Q_SLOTS:
         press(dialog, "export");
         QTRY_VERIFY(QFile::exists(file));
         QTRY_VERIFY(!m_window->findChild<QProgressDialog*>("pictureProgress"));
-        const QByteArray svg = content(file);
+        const QByteArray svg = contentOf(file);
         QVERIFY(svg.contains("My ships"));
         QVERIFY(svg.contains(">voyage<"));
         QVERIFY(svg.contains(PictureOptions::darkPalette().color(QPalette::Base).name().toLatin1()));
@@ -203,13 +199,13 @@ private Q_SLOTS:
         press(dialog, "export");
         QTRY_COMPARE(m_question, "“a.svg” is there already. Replace it?");
         QTRY_VERIFY(!dialog->findChild<QMessageBox*>());
-        QCOMPARE(content(file), QByteArray());
+        QCOMPARE(contentOf(file), QByteArray());
         // Nothing of what has been set is lost.
         QVERIFY(dialog->isVisible());
         QCOMPARE(dialog->fileName(), file);
         answer(QMessageBox::Save);
         press(dialog, "export");
-        QTRY_VERIFY(content(file).contains(">voyage<"));
+        QTRY_VERIFY(contentOf(file).contains(">voyage<"));
         QTRY_COMPARE(m_window->statusBar()->currentMessage(), "Exported " + file);
         QTRY_VERIFY(!m_window->findChild<PictureExportDialog*>());
     }
@@ -244,7 +240,7 @@ private Q_SLOTS:
             preparePrinter(printer);
             QCOMPARE(paintPages(*m_window, printer), QString());
         }
-        const QByteArray pdf = content(file);
+        const QByteArray pdf = contentOf(file);
         QVERIFY(pdf.startsWith("%PDF-"));
         QVERIFY(pdf.contains("/Count 1"));
         QVERIFY(!pdf.contains("/Subtype /Image"));
