@@ -36,7 +36,8 @@ using TimeFormatter = std::function<QString(qint64)>;
 /// However short an item is, there is something to see: an item without duration, and one whose bar would be narrower
 /// than its marker, shows as a diamond on a line at its start; the edges of one with nearly the colour of the row, or
 /// none at all, stand out from it. An open-ended item reaches to the right end of the painter's clip, where an arrow
-/// says that it goes on. Nothing is painted of items that lie wholly outside the cell.
+/// says that it goes on. What is left of a bar at the edge of the cell stays a bar, however narrow. Nothing is painted
+/// of items that lie wholly outside the cell.
 class VESKTIMELINEKIT_EXPORT LabelledItem : public Item
 {
 public:
@@ -82,9 +83,10 @@ private:
 
     void setIds(int id, int parentTrackId);
     QString pieceText() const;
-    // `row` is the colour behind the item, `seen` what that makes of the item's.
+    // `seen` is what the colour behind the item makes of the item's.
     void paintBar(QPainter* painter, const QRect& bar, const QColor& edge, bool isSelected) const;
-    void paintMarker(QPainter* painter, const QRect& bar, const QColor& row, bool isSelected) const;
+    void paintMarker(QPainter* painter, const QRect& bar, const QColor& line, const QColor& edge,
+                     bool isSelected) const;
     static void paintArrow(QPainter* painter, const QRect& bar, const QColor& seen);
     void paintLabel(QPainter* painter, const QRect& bar, const QColor& seen) const;
 

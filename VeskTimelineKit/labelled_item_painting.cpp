@@ -74,6 +74,14 @@ QPen outline(const QColor& color, bool isSelected)
             Qt::SquareCap, Qt::BevelJoin};
 }
 
+// What is left of a bar at the edge of the cell says nothing about how long it is.
+bool isCut(const QRect& bar, const QRectF& cell)
+{
+    // Views leave the last pixel of a cell free.
+    constexpr int free = 1;
+    return bar.left() <= cell.left() || bar.left() + bar.width() + free >= cell.right();
+}
+
 } // namespace
 
 QColor LabelledItem::readableTextColor(const QColor& background)
@@ -95,16 +103,20 @@ void LabelledItem::paint(QPainter* painter, const QStyleOptionViewItem& option, 
         return;
 
     const QColor row = option.palette.color(QPalette::Base);
+    const QColor seen = blended(m_color, row);
+    const QColor edge = edgeColor(seen, row);
     painter->save();
-    if (bar.width() < narrowestBar) {
-        paintMarker(painter, bar, row, isSelected);
-    } else {
-        const QColor seen = blended(m_color, row);
-        paintBar(painter, bar, edgeColor(seen, row), isSelected);
+    if (bar.width() >= narrowestBar) {
+        paintBar(painter, bar, edge, isSelected);
         const bool hasArrow = duration() < 0 && bar.width() > 2 * arrowWidth;
         if (hasArrow)
             paintArrow(painter, bar, seen);
         paintLabel(painter, hasArrow ? bar.adjusted(0, 0, -arrowWidth, 0) : bar, seen);
+    } else if (duration() != 0 && isCut(bar, painter->clipBoundingRect())) {
+        bar.setWidth(std::max(bar.width(), 1));
+        paintBar(painter, bar, edge, isSelected);
+    } else {
+        paintMarker(painter, bar, standsOut(seen, row) ? seen : edge, edge, isSelected);
     }
     painter->restore();
 }
@@ -116,11 +128,10 @@ void LabelledItem::paintBar(QPainter* painter, const QRect& bar, const QColor& e
     painter->drawRect(bar.adjusted(0, 0, -1, -1));
 }
 
-void LabelledItem::paintMarker(QPainter* painter, const QRect& bar, const QColor& row, bool isSelected) const
+void LabelledItem::paintMarker(QPainter* painter, const QRect& bar, const QColor& line, const QColor& edge,
+                               bool isSelected) const
 {
-    const QColor seen = blended(m_color, row);
-    const QColor edge = edgeColor(seen, row);
-    painter->setPen(QPen(standsOut(seen, row) ? seen : edge, plainWidth));
+    painter->setPen(QPen(line, plainWidth));
     painter->drawLine(bar.topLeft(), bar.bottomLeft());
     // The line is one pixel wide; the diamond's middle is that pixel's.
     const QPointF middle(bar.left() + 0.5, bar.center().y() + 0.5);

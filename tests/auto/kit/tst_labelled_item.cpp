@@ -254,6 +254,22 @@ private Q_SLOTS:
                  QRect(100, 4, 3, 42));
     }
 
+    void whatIsLeftOfABarAtTheEdgeOfTheCellIsNoMarker()
+    {
+        const LabelledItem item("x", 0, 1000, orange, true);
+        const LabelledItem open("x", 0, -1, orange, true);
+        const auto area = [](const QImage& image) { return areaOtherThan(image, Qt::white); };
+        QCOMPARE(area(painted(item, barRect(-500, 1))), QRect(0, 4, 1, 42));
+        QCOMPARE(area(painted(item, barRect(-500, 2))), QRect(0, 4, 2, 42));
+        QCOMPARE(area(painted(item, barRect(198, 900))), QRect(198, 4, 1, 42));
+        QCOMPARE(area(painted(open, barRect(198, 197))), QRect(198, 4, 2, 42));
+        // Something is to be seen of a short one that begins right there.
+        QCOMPARE(area(painted(item, barRect(0, 0))), QRect(0, 4, 1, 42));
+        QCOMPARE(area(painted(item, barRect(199, 900))), QRect(199, 4, 1, 42));
+        // An item without duration is a marker wherever it is.
+        QVERIFY(area(painted(LabelledItem("x", 0, 0, orange, true), barRect(0, 0))).width() > 3);
+    }
+
     void nothingIsPaintedOfItemsOutsideTheCell()
     {
         const LabelledItem item("x", 0, 1000, orange, true);
