@@ -15,6 +15,37 @@ class QStyleOptionViewItem;
 
 namespace VeskTimeline {
 
+/// Tells the time index of the track that holds an item when the item's times change behind the track's back. Of no use
+/// to applications.
+class VESKTIMELINE_EXPORT ItemIndexMark
+{
+public:
+    ItemIndexMark() = default;
+    /// A copy of an item is in no track.
+    ItemIndexMark(const ItemIndexMark& /*other*/) noexcept {}
+    /// An item that is assigned to stays in its track, with other times.
+    ItemIndexMark& operator=(const ItemIndexMark& /*other*/) noexcept
+    {
+        noteChange();
+        return *this;
+    }
+    ~ItemIndexMark() { noteChange(); }
+
+    void noteChange() const noexcept
+    {
+        if (m_slot != 0)
+            countChange(m_slot);
+    }
+
+private:
+    static void countChange(quint16 slot) noexcept;
+
+    /// The counter that the index watches; 0 for an item that is in none.
+    quint16 m_slot = 0;
+
+    friend class ItemIndex;
+};
+
 /// One timed entry on the timeline: a bar with a start time, a duration and a colour.
 ///
 /// Times are milliseconds since the Unix epoch (UTC), durations milliseconds. A duration of -1 makes the item
@@ -68,19 +99,37 @@ public:
     void setEditable(bool isEditable) { m_isEditable = isEditable; }
 
     /// Raw setter for the model, which keeps the order of the track's items itself.
-    void _setStartTime(qint64 startTime) { m_startTime = startTime; }
+    void _setStartTime(qint64 startTime)
+    {
+        m_startTime = startTime;
+        m_indexMark.noteChange();
+    }
     /// Raw setter for the model, which keeps the order of the track's items itself.
-    void _setDuration(int duration) { m_duration = duration; }
+    void _setDuration(int duration)
+    {
+        m_duration = duration;
+        m_indexMark.noteChange();
+    }
 
 protected:
     QColor m_color;
+    /// Changed through _setStartTime() only while a track holds the item.
     qint64 m_startTime = 0;
+    /// Changed through _setDuration() only while a track holds the item.
     int m_duration = 0;
     bool m_isEditable = true;
+
+private:
+    // Here it takes up no room that would not be lost anyway.
+    ItemIndexMark m_indexMark;
+
+protected:
     int m_id = -1;
     int m_parentTrackId = -1;
 
+    friend class ItemIndex;
     friend class TimelineModel;
+    friend class Track;
 };
 
 /// Owns an item.

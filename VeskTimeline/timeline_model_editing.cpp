@@ -43,7 +43,8 @@ int TimelineModel::addItem(int parentTrackId, ItemPtr&& itemPtr, bool /*forceThe
         itemPtr->_setStartTime(truncatedToGrid(itemPtr->startTime(), wholeSecond));
         itemPtr->_setDuration(itemPtr->duration() - itemPtr->duration() % wholeSecond);
     }
-    m_itemCache[id] = track(parentTrackId)->addItem(std::move(itemPtr));
+    Item* const added = track(parentTrackId)->addItem(std::move(itemPtr));
+    m_itemCache.insert_or_assign(m_itemCache.end(), id, added);
 
     const QModelIndex row = indexOfTrack(parentTrackId);
     Q_EMIT dataChanged(row, row);
@@ -52,7 +53,10 @@ int TimelineModel::addItem(int parentTrackId, ItemPtr&& itemPtr, bool /*forceThe
 
 void TimelineModel::removeItem(int itemId)
 {
-    track(item(itemId)->parentTrackId())->removeItem(itemId);
+    const Item* const removed = item(itemId);
+    Track* const owner = track(removed->parentTrackId());
+    if (!owner->takeOwnItem(*removed))
+        owner->removeItem(itemId);
     if (m_itemCache.erase(itemId) == 0)
         Q_ASSERT(false);
 }
@@ -78,15 +82,15 @@ void TimelineModel::moveItemToTrack(int itemId, int trackId, qint64 time)
     Item* const moved = item(itemId);
     Track* const from = track(moved->parentTrackId());
     Track* const to = track(trackId);
-    to->addItem(from->takeItem(itemId));
+    ItemPtr taken = from->takeOwnItem(*moved);
+    to->addItem(taken ? std::move(taken) : from->takeItem(itemId));
     setItemStartTime(*to, *moved, time);
     moved->m_parentTrackId = trackId;
 }
 
 void TimelineModel::setItemStartTime(Track& track, Item& item, qint64 time)
 {
-    item._setStartTime(time);
-    track.sort();
+    track.setItemStartTime(item, time);
 }
 
 void TimelineModel::setItemStartTime(Item& item, qint64 time)
@@ -101,8 +105,7 @@ void TimelineModel::setItemStartTime(int itemId, qint64 time)
 
 void TimelineModel::setItemDuration(Track& track, Item& item, int duration)
 {
-    item._setDuration(std::max(duration, m_minItemDuration));
-    track.sort();
+    track.setItemDuration(item, std::max(duration, m_minItemDuration));
 }
 
 void TimelineModel::setItemDuration(Item& item, int duration)

@@ -1,8 +1,24 @@
+#include "track_items_p.h"
+
 #include <VeskTimeline/timeline_model.h>
 
 #include <algorithm>
 
 namespace VeskTimeline {
+
+namespace {
+
+bool isOwnItemBetween(const Track& track, const ItemInterval& interval, const std::function<bool(int)>& isIgnored,
+                      bool recursive)
+{
+    if (isAnyOwnItemBetween(track, interval, isIgnored))
+        return true;
+    return recursive && std::any_of(track.tracks().begin(), track.tracks().end(), [&](const TrackPtr& child) {
+               return isOwnItemBetween(*child, interval, isIgnored, true);
+           });
+}
+
+} // namespace
 
 QVector<int> TimelineModel::itemIdsBetween(qint64 start, qint64 end, bool strict, bool complete, bool recursive,
                                            bool sorted) const
@@ -42,12 +58,9 @@ QVector<int> TimelineModel::_itemIdsBetween(Track& t, qint64 start, qint64 end, 
                                             bool recursive, bool sorted, qint64 minimumDuration) const
 {
     QVector<int> ids;
-    for (const ItemPtr& own : t.items()) {
-        if (Track::isItemBetween(*own, start, end, strict, complete, minimumDuration))
-            ids.append(own->id());
-    }
+    appendOwnIdsBetween(ids, t, {start, end, strict, complete, minimumDuration});
     if (recursive) {
-        for (const TrackPtr& child : t.tracks())
+        for (const TrackPtr& child : std::as_const(t).tracks())
             ids.append(_itemIdsBetween(*child, start, end, strict, complete, true, false, minimumDuration));
     }
     ids.squeeze();
@@ -65,7 +78,7 @@ QVector<int> TimelineModel::_copyItemIdsBetween(Track& t, qint64 start, qint64 e
             ids.append(id);
     }
     if (recursive) {
-        for (const TrackPtr& child : t.tracks())
+        for (const TrackPtr& child : std::as_const(t).tracks())
             ids.append(_copyItemIdsBetween(*child, start, end, strict, complete, true, false, minimumDuration));
     }
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
@@ -78,15 +91,7 @@ QVector<int> TimelineModel::_copyItemIdsBetween(Track& t, qint64 start, qint64 e
 bool TimelineModel::_isItemsBetween(const Track& t, qint64 start, qint64 end, const QVector<int>& ignoreIds,
                                     bool strict, bool complete, bool recursive, qint64 minimumDuration) const
 {
-    for (const ItemPtr& own : t.items()) {
-        if (!ignoreIds.contains(own->id()) && Track::isItemBetween(*own, start, end, strict, complete, minimumDuration))
-            return true;
-    }
-    if (!recursive)
-        return false;
-    return std::any_of(t.tracks().begin(), t.tracks().end(), [&](const TrackPtr& child) {
-        return _isItemsBetween(*child, start, end, ignoreIds, strict, complete, true, minimumDuration);
-    });
+    return isOwnItemBetween(t, {start, end, strict, complete, minimumDuration}, isOneOf(ignoreIds), recursive);
 }
 
 bool TimelineModel::_isItemsBetween(const Track& t, qint64 start, qint64 end, int ignoreId, bool strict, bool complete,

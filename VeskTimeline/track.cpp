@@ -1,3 +1,5 @@
+#include "item_index_p.h"
+
 #include <VeskTimeline/track.h>
 
 #include <algorithm>
@@ -10,23 +12,6 @@ namespace {
 QString lookupFailed()
 {
     return QStringLiteral("lookup failed!");
-}
-
-bool contains(const Item& item, qint64 time)
-{
-    return item.startTime() <= time && item.startTime() + item.duration() >= time;
-}
-
-// A sort that keeps equals in place is one of the results that an unstable sort may give, and the one that surprises
-// nobody; most calls find the list in order already.
-template <typename References>
-void sortByStartTime(References& references)
-{
-    const auto startsEarlier = [](const ItemPtr& left, const ItemPtr& right) {
-        return left->startTime() < right->startTime();
-    };
-    if (!std::is_sorted(references.begin(), references.end(), startsEarlier))
-        std::stable_sort(references.begin(), references.end(), startsEarlier);
 }
 
 template <typename References>
@@ -49,6 +34,8 @@ Track::Track(const QString& text, int /*reserved*/) : Track(text)
 {
 }
 
+Track::Track(Track&& other) noexcept = default;
+
 Track::~Track() = default;
 
 QString Track::text() const
@@ -61,56 +48,6 @@ void Track::removeCopyItem(int id)
     m_copyItemIds.remove(id);
     for (const TrackPtr& child : m_childrenTracks)
         child->removeCopyItem(id);
-}
-
-const Item* Track::copyItemAt(qint64 time) const
-{
-    for (const ItemPtr& item : _copyItems()) {
-        if (contains(*item, time))
-            return item.get();
-    }
-    throw QStringLiteral("Track: can't find copy item at %1").arg(time);
-}
-
-Items::const_iterator Track::insertionPoint(qint64 startTime) const
-{
-    return std::upper_bound(m_items.begin(), m_items.end(), startTime,
-                            [](qint64 time, const ItemPtr& item) { return time < item->startTime(); });
-}
-
-Item* Track::addItem(ItemPtr&& item)
-{
-    const qint64 startTime = item->startTime();
-    return m_items.insert(insertionPoint(startTime), std::move(item))->get();
-}
-
-void Track::addItemPtr(ItemPtr&& item)
-{
-    addItem(std::move(item));
-}
-
-Items::const_iterator Track::findOwnItem(int id) const
-{
-    return std::find_if(m_items.begin(), m_items.end(), [id](const ItemPtr& item) { return item->id() == id; });
-}
-
-void Track::removeItem(int id)
-{
-    const auto found = findOwnItem(id);
-    if (found == m_items.end())
-        throw QStringLiteral("removeItem: item %1 not found").arg(id);
-    m_items.erase(found);
-}
-
-ItemPtr Track::takeItem(int id)
-{
-    const auto found = findOwnItem(id);
-    if (found == m_items.end())
-        throw QStringLiteral("Track::takeItem: item with id %1 not found").arg(id);
-    const auto position = m_items.begin() + (found - m_items.cbegin());
-    ItemPtr item = std::move(*position);
-    m_items.erase(position);
-    return item;
 }
 
 Tracks::const_iterator Track::findChild(int id) const
@@ -227,56 +164,14 @@ ItemPtrNCVRef Track::_itemNCV(int id)
     throw lookupFailed();
 }
 
-Item* Track::itemAt(qint64 time)
-{
-    return const_cast<Item*>(std::as_const(*this).itemAt(time));
-}
-
-const Item* Track::itemAt(qint64 time) const
-{
-    const auto found =
-        std::find_if(m_items.begin(), m_items.end(), [time](const ItemPtr& item) { return contains(*item, time); });
-    if (found == m_items.end())
-        throw lookupFailed();
-    return found->get();
-}
-
-Item* Track::previous(int id)
-{
-    return const_cast<Item*>(std::as_const(*this).previous(id));
-}
-
-const Item* Track::previous(int id) const
-{
-    const auto found = findOwnItem(id);
-    if (found == m_items.end() || found == m_items.begin())
-        throw QStringLiteral("Track::previous: previous item for id %1 not found").arg(id);
-    return std::prev(found)->get();
-}
-
-Item* Track::next(int id)
-{
-    return const_cast<Item*>(std::as_const(*this).next(id));
-}
-
-const Item* Track::next(int id) const
-{
-    const auto found = findOwnItem(id);
-    if (found == m_items.end() || std::next(found) == m_items.end())
-        throw lookupFailed();
-    return std::next(found)->get();
-}
-
 ItemPtrRefs Track::_items(bool recursive) const
 {
     ItemPtrRefs references(m_items.begin(), m_items.end());
-    for (const int id : m_copyItemIds) {
-        try {
-            references.push_back(_item(id));
-        } catch (const QString& text) {
-            std::fprintf(stderr, "cannot add item ptr ref from copy item with copy item id %d: %s\n", id,
-                         qPrintable(text));
-        }
+    for (const CopyItem& copy : findCopyItems()) {
+        if (copy.item)
+            references.push_back(std::cref(*copy.item));
+        else
+            sayCopyItemIsMissing(copy.id);
     }
     if (recursive) {
         for (const TrackPtr& child : m_childrenTracks) {
@@ -303,12 +198,11 @@ ItemPtrRefs Track::_copyItems() const
 {
     ItemPtrRefs references;
     references.reserve(static_cast<ItemPtrRefs::size_type>(m_copyItemIds.size()));
-    for (const int id : m_copyItemIds) {
-        try {
-            references.push_back(_item(id));
-        } catch (...) {
-            std::fprintf(stderr, "Track::_copyItems: cannot find item for item id %d\n", id);
-        }
+    for (const CopyItem& copy : findCopyItems()) {
+        if (copy.item)
+            references.push_back(std::cref(*copy.item));
+        else
+            std::fprintf(stderr, "Track::_copyItems: cannot find item for item id %d\n", copy.id);
     }
     return references;
 }
@@ -330,26 +224,6 @@ QVector<int> Track::itemIds(bool recursive, bool sorted) const
     ItemPtrRefs references = _items(true);
     sort(references);
     return transformItemPtrsToIds(references);
-}
-
-void Track::sort()
-{
-    sort(m_items);
-}
-
-void Track::sort(Items& items)
-{
-    sortByStartTime(items);
-}
-
-void Track::sort(ItemPtrRefs& items)
-{
-    sortByStartTime(items);
-}
-
-void Track::sort(ItemPtrNCVRefs& items)
-{
-    sortByStartTime(items);
 }
 
 QVector<int> Track::transformItemPtrsToIds(const Items& items)

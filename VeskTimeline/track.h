@@ -2,13 +2,16 @@
 
 #include <VeskTimeline/item.h>
 
+#include <QHash>
 #include <QSet>
 #include <QVariant>
 #include <QVector>
 
 namespace VeskTimeline {
 
+class ItemIndex;
 class Track;
+struct ItemInterval;
 
 /// Owns a track and with it the whole subtree.
 using TrackPtr = std::unique_ptr<Track>;
@@ -33,7 +36,7 @@ public:
     Track(const QString& text, int reserved);
     Track(const Track& other) = delete;
     Track& operator=(const Track& other) = delete;
-    Track(Track&& other) = default;
+    Track(Track&& other) noexcept;
     virtual ~Track();
 
     /// The row's label. Override it to compute the label.
@@ -57,9 +60,15 @@ public:
     bool hasRemoveButton() const { return m_hasRemoveButton; }
     void setRemoveButton(bool hasButton) { m_hasRemoveButton = hasButton; }
 
-    /// The own items in ascending order of start time. Whoever changes the list keeps that order.
+    /// The own items in ascending order of start time.
     const Items& items() const { return m_items; }
-    Items& items() { return m_items; }
+    /// For changing the list, keeping its order. Whoever asks for it has the queries check the whole list once, so
+    /// those who only read use the other form; and whoever keeps the reference calls this again for each later change.
+    Items& items()
+    {
+        m_isIndexStale = true;
+        return m_items;
+    }
     /// The child tracks in row order.
     const Tracks& tracks() const { return m_childrenTracks; }
     Tracks& tracks() { return m_childrenTracks; }
@@ -90,7 +99,7 @@ public:
     /// Hands an own item over to the caller. @throws QString "Track::takeItem: item with id %1 not found"
     ItemPtr takeItem(int id);
     /// Destroys all own items; child tracks keep theirs.
-    void clearItems() { m_items.clear(); }
+    void clearItems();
     /// Destroys a direct child. @throws QString "removeTrack: track %1 not found on track %2"
     void removeTrack(int id);
 
@@ -196,17 +205,40 @@ protected:
     QSet<int> m_copyItemIds;
 
 private:
+    /// A copy item; null where it is missing.
+    struct CopyItem
+    {
+        int id;
+        const ItemPtr* item;
+    };
+
     Items::const_iterator findOwnItem(int id) const;
     Tracks::const_iterator findChild(int id) const;
     const Track* findTrack(int id) const;
     const ItemPtr* findItem(int id) const;
-    Items::const_iterator insertionPoint(qint64 startTime) const;
-    bool isOwnItemBetween(qint64 start, qint64 end, const QVector<int>& ignoreIds, bool strict, bool complete,
-                          qint64 minimumDuration) const;
-    bool isCopyItemBetween(qint64 start, qint64 end, const QVector<int>& ignoreIds, bool strict, bool complete,
-                           qint64 minimumDuration) const;
+    std::vector<CopyItem> findCopyItems() const;
+    void findCopyItemsBelow(QHash<int, const ItemPtr*>& wanted, qsizetype& missing) const;
+    static void sayCopyItemIsMissing(int id);
+    void appendItemsBetween(ItemPtrRefs& found, const ItemInterval& interval, bool recursive) const;
+    bool isCopyItemBetween(const ItemInterval& interval, const std::function<bool(int)>& isIgnored) const;
+    bool isAnyBetween(const ItemInterval& interval, const std::function<bool(int)>& isIgnored, bool recursive) const;
 
+    const ItemIndex* index() const;
+    ItemIndex* currentIndex() const;
+    ItemPtr takeItemAtPosition(std::size_t position);
+    ItemPtr takeOwnItem(const Item& item);
+    void setItemStartTime(Item& item, qint64 time);
+    void setItemDuration(Item& item, int duration);
+
+    /// Made when a query first needs it; null before.
+    mutable std::unique_ptr<ItemIndex> m_index;
+    /// The list may have changed in any way since it was indexed.
+    mutable bool m_isIndexStale = false;
+
+    friend class ItemIndex;
     friend class TimelineModel;
+    friend bool isAnyItemBetween(const Track& track, const ItemInterval& interval,
+                                 const std::function<bool(int)>& isIgnored, bool recursive);
 };
 
 } // namespace VeskTimeline

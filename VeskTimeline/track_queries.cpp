@@ -1,7 +1,6 @@
-#include <VeskTimeline/track.h>
+#include "track_items_p.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace VeskTimeline {
 
@@ -15,26 +14,74 @@ bool isWithoutEnd(qint64 start, qint64 end)
 
 bool isItemAfter(const Item& item, qint64 start, bool strict, bool complete)
 {
-    constexpr int openEnded = -1;
     if (complete)
         return strict ? start < item.startTime() : start <= item.startTime();
     if (item.duration() == openEnded)
         return true;
-    const qint64 end = item.startTime() + item.duration();
+    const qint64 end = shiftedTime(item.startTime(), item.duration());
     return strict ? start < end : start <= end;
 }
 
-void removeItemsOutside(ItemPtrRefs& items, qint64 start, qint64 end, bool strict, bool complete,
-                        qint64 minimumDuration)
+bool isIn(const Item& item, const ItemInterval& in)
 {
-    items.erase(std::remove_if(items.begin(), items.end(),
-                               [&](const ItemPtr& item) {
-                                   return !Track::isItemBetween(*item, start, end, strict, complete, minimumDuration);
-                               }),
+    return Track::isItemBetween(item, in.start, in.end, in.strict, in.complete, in.minimumDuration);
+}
+
+// Holds at least what is in the interval.
+ItemWindow windowOf(const ItemInterval& in)
+{
+    using Limits = std::numeric_limits<qint64>;
+    if (isWithoutEnd(in.start, in.end))
+        return {in.start, Limits::max(), 0, in.complete};
+    // Not an interval that a query may ask for: each item is to be asked about, and asserts that.
+    if (in.end < in.start)
+        return {Limits::min(), Limits::max()};
+    return {in.start, in.end, std::max<qint64>(in.minimumDuration, 0), in.complete};
+}
+
+void removeItemsOutside(ItemPtrRefs& items, const ItemInterval& in)
+{
+    items.erase(std::remove_if(items.begin(), items.end(), [&in](const ItemPtr& item) { return !isIn(*item, in); }),
                 items.end());
 }
 
 } // namespace
+
+std::function<bool(int)> isOneOf(const QVector<int>& ids)
+{
+    // Most are asked about few ids, for which going through the list beats making a set of it.
+    constexpr int few = 16;
+    return [&ids, set = QSet<int>(), asked = 0](int id) mutable {
+        if (asked < few) {
+            ++asked;
+            return ids.contains(id);
+        }
+        if (set.isEmpty())
+            set = QSet<int>(ids.begin(), ids.end());
+        return set.contains(id);
+    };
+}
+
+void appendOwnIdsBetween(QVector<int>& ids, const Track& track, const ItemInterval& interval)
+{
+    findItemInWindow(track, windowOf(interval), [&](const ItemPtr& item) {
+        if (isIn(*item, interval))
+            ids.append(item->id());
+        return false;
+    });
+}
+
+bool isAnyOwnItemBetween(const Track& track, const ItemInterval& interval, const std::function<bool(int)>& isIgnored)
+{
+    return findItemInWindow(track, windowOf(interval),
+                            [&](const ItemPtr& item) { return isIn(*item, interval) && !isIgnored(item->id()); });
+}
+
+bool isAnyItemBetween(const Track& track, const ItemInterval& interval, const std::function<bool(int)>& isIgnored,
+                      bool recursive)
+{
+    return track.isAnyBetween(interval, isIgnored, recursive);
+}
 
 bool Track::isItemBetween(const Item& item, qint64 start, qint64 end, bool strict, bool complete,
                           qint64 minimumDuration)
@@ -43,7 +90,7 @@ bool Track::isItemBetween(const Item& item, qint64 start, qint64 end, bool stric
         return isItemAfter(item, start, strict, complete);
 
     const qint64 itemStart = item.startTime();
-    if (item.duration() == -1) {
+    if (item.duration() == openEnded) {
         if (complete)
             return false;
         return strict ? itemStart < end : itemStart <= end;
@@ -51,28 +98,44 @@ bool Track::isItemBetween(const Item& item, qint64 start, qint64 end, bool stric
 
     if (end != std::numeric_limits<qint64>::max())
         Q_ASSERT(end + 1 > start);
-    const qint64 itemEnd = itemStart + std::max<qint64>(item.duration(), minimumDuration);
+    const qint64 itemEnd = shiftedTime(itemStart, std::max<qint64>(item.duration(), minimumDuration));
     if (complete)
         return strict ? itemStart > start && itemEnd < end : itemStart >= start && itemEnd <= end;
     return strict ? itemEnd > start && itemStart < end : itemEnd >= start && itemStart <= end;
 }
 
+void Track::appendItemsBetween(ItemPtrRefs& found, const ItemInterval& interval, bool recursive) const
+{
+    findItemInWindow(*this, windowOf(interval), [&](const ItemPtr& item) {
+        if (isIn(*item, interval))
+            found.push_back(std::cref(item));
+        return false;
+    });
+    for (const CopyItem& copy : findCopyItems()) {
+        if (!copy.item)
+            sayCopyItemIsMissing(copy.id);
+        else if (isIn(**copy.item, interval))
+            found.push_back(std::cref(*copy.item));
+    }
+    if (!recursive)
+        return;
+    for (const TrackPtr& child : m_childrenTracks)
+        child->appendItemsBetween(found, interval, true);
+}
+
 QVector<int> Track::itemIdsBetween(qint64 start, qint64 end, bool strict, bool complete, bool recursive, bool sorted,
                                    qint64 minimumDuration) const
 {
+    const ItemInterval interval{start, end, strict, complete, minimumDuration};
     if (sorted) {
-        ItemPtrRefs references = _items(recursive);
-        removeItemsOutside(references, start, end, strict, complete, minimumDuration);
+        ItemPtrRefs references;
+        appendItemsBetween(references, interval, recursive);
         sort(references);
         return transformItemPtrsToIds(references);
     }
 
     QVector<int> ids;
-    ids.reserve(static_cast<qsizetype>(m_items.size()));
-    for (const ItemPtr& item : m_items) {
-        if (isItemBetween(*item, start, end, strict, complete, minimumDuration))
-            ids.append(item->id());
-    }
+    appendOwnIdsBetween(ids, *this, interval);
     if (recursive) {
         // The children's items count with their own durations; a minimum duration only makes their lists sorted.
         const bool sortChildren = minimumDuration != 0;
@@ -92,40 +155,35 @@ QVector<int> Track::copyItemIdsBetween(qint64 start, qint64 end, bool strict, bo
             references.insert(references.end(), below.begin(), below.end());
         }
     }
-    removeItemsOutside(references, start, end, strict, complete, 0);
+    removeItemsOutside(references, {start, end, strict, complete, 0});
     if (sorted)
         sort(references);
     return transformItemPtrsToIds(references);
 }
 
-bool Track::isOwnItemBetween(qint64 start, qint64 end, const QVector<int>& ignoreIds, bool strict, bool complete,
-                             qint64 minimumDuration) const
+bool Track::isCopyItemBetween(const ItemInterval& interval, const std::function<bool(int)>& isIgnored) const
 {
-    return std::any_of(m_items.begin(), m_items.end(), [&](const ItemPtr& item) {
-        return isItemBetween(*item, start, end, strict, complete, minimumDuration) && !ignoreIds.contains(item->id());
+    const std::vector<CopyItem> copies = findCopyItems();
+    return std::any_of(copies.begin(), copies.end(), [&](const CopyItem& copy) {
+        if (!copy.item)
+            throw QStringLiteral("lookup failed!");
+        return isIn(**copy.item, interval) && !isIgnored(copy.id);
     });
 }
 
-bool Track::isCopyItemBetween(qint64 start, qint64 end, const QVector<int>& ignoreIds, bool strict, bool complete,
-                              qint64 minimumDuration) const
+bool Track::isAnyBetween(const ItemInterval& interval, const std::function<bool(int)>& isIgnored, bool recursive) const
 {
-    return std::any_of(m_copyItemIds.begin(), m_copyItemIds.end(), [&](int id) {
-        const Item* copy = item(id);
-        return !ignoreIds.contains(copy->id()) && isItemBetween(*copy, start, end, strict, complete, minimumDuration);
-    });
+    if (isAnyOwnItemBetween(*this, interval, isIgnored) || isCopyItemBetween(interval, isIgnored))
+        return true;
+    return recursive && std::any_of(m_childrenTracks.begin(), m_childrenTracks.end(), [&](const TrackPtr& child) {
+               return child->isAnyBetween(interval, isIgnored, true);
+           });
 }
 
 bool Track::isItemsBetween(qint64 start, qint64 end, const QVector<int>& ignoreIds, bool strict, bool complete,
                            bool recursive, qint64 minimumDuration) const
 {
-    if (isOwnItemBetween(start, end, ignoreIds, strict, complete, minimumDuration) ||
-        isCopyItemBetween(start, end, ignoreIds, strict, complete, minimumDuration))
-        return true;
-    if (!recursive)
-        return false;
-    return std::any_of(m_childrenTracks.begin(), m_childrenTracks.end(), [&](const TrackPtr& child) {
-        return child->isItemsBetween(start, end, ignoreIds, strict, complete, true, minimumDuration);
-    });
+    return isAnyBetween({start, end, strict, complete, minimumDuration}, isOneOf(ignoreIds), recursive);
 }
 
 bool Track::isItemsBetween(qint64 start, qint64 end, int ignoreId, bool strict, bool complete, bool recursive,

@@ -1,0 +1,218 @@
+#include "item_end_p.h"
+#include "item_index_p.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+
+namespace VeskTimeline {
+
+namespace {
+
+// Indexes that share a counter find nothing wrong more often than needed. Atomic, since items may be destroyed on any
+// thread.
+constexpr quint16 slotCount = 4096;
+std::array<std::atomic<quint32>, slotCount> changeCounts;
+std::atomic<quint16> lastSlot;
+
+// Slot 0 stands for none.
+quint16 nextSlot()
+{
+    return static_cast<quint16>(1 + lastSlot++ % (slotCount - 1));
+}
+
+} // namespace
+
+void ItemIndexMark::countChange(quint16 slot) noexcept
+{
+    changeCounts[slot].fetch_add(1, std::memory_order_relaxed);
+}
+
+ItemIndex::ItemIndex() : m_slot(nextSlot())
+{
+}
+
+quint32 ItemIndex::changeCount() const
+{
+    return changeCounts[m_slot].load(std::memory_order_relaxed);
+}
+
+bool ItemIndex::matches(const Items& items) const
+{
+    return m_place == items.data() && m_starts.size() == items.size() && m_changeCount == changeCount();
+}
+
+void ItemIndex::build(const Items& items)
+{
+    m_changeCount = changeCount();
+    m_place = items.data();
+    m_starts.resize(items.size());
+    m_ends.resize(items.size());
+    m_summarisedItems = 0;
+    m_isOrdered = true;
+    qint64 before = std::numeric_limits<qint64>::min();
+    for (std::size_t position = 0; position < items.size(); ++position) {
+        Item& item = *items[position];
+        item.m_indexMark.m_slot = m_slot;
+        m_starts[position] = item.startTime();
+        m_ends[position] = endTimeOf(item);
+        m_isOrdered = m_isOrdered && before <= item.startTime() && item.duration() >= openEnded;
+        before = item.startTime();
+    }
+}
+
+std::size_t ItemIndex::firstFrom(qint64 time) const
+{
+    return static_cast<std::size_t>(std::lower_bound(m_starts.begin(), m_starts.end(), time) - m_starts.begin());
+}
+
+std::size_t ItemIndex::firstBehind(qint64 time) const
+{
+    return static_cast<std::size_t>(std::upper_bound(m_starts.begin(), m_starts.end(), time) - m_starts.begin());
+}
+
+std::size_t ItemIndex::firstReaching(qint64 time, std::size_t position, std::size_t end) const
+{
+    if (m_summarisedItems < std::min(end, size()))
+        summarise();
+    while (position < end) {
+        // The largest block that starts here and ends too early is skipped as a whole.
+        std::size_t skipped = m_ends[position] < time ? 1 : 0;
+        std::size_t width = fanOut;
+        for (const Times& latest : m_latestEnds) {
+            if (skipped == 0 || position % width != 0 || latest[position / width] >= time)
+                break;
+            skipped = width;
+            width *= fanOut;
+        }
+        if (skipped == 0)
+            return position;
+        position += skipped;
+    }
+    return end;
+}
+
+std::size_t ItemIndex::positionOf(const Items& items, const Item& item) const
+{
+    for (std::size_t position = firstFrom(item.startTime());
+         position < size() && m_starts[position] == item.startTime(); ++position) {
+        if (items[position].get() == &item)
+            return position;
+    }
+    return size();
+}
+
+std::size_t ItemIndex::positionAfterMove(std::size_t position, qint64 startTime) const
+{
+    const auto here = m_starts.begin() + static_cast<std::ptrdiff_t>(position);
+    const auto target = startTime > *here ? std::lower_bound(here + 1, m_starts.end(), startTime) - 1
+                                          : std::upper_bound(m_starts.begin(), here, startTime);
+    // Unchanged times keep their places among equals.
+    return startTime == *here ? position : static_cast<std::size_t>(target - m_starts.begin());
+}
+
+void ItemIndex::noteInsertion(const Items& items, std::size_t position)
+{
+    Item& item = *items[position];
+    item.m_indexMark.m_slot = m_slot;
+    m_place = items.data();
+    m_starts.insert(m_starts.begin() + static_cast<std::ptrdiff_t>(position), item.startTime());
+    m_ends.insert(m_ends.begin() + static_cast<std::ptrdiff_t>(position), endTimeOf(item));
+    m_isOrdered = m_isOrdered && item.duration() >= openEnded;
+    m_summarisedItems = std::min(m_summarisedItems, position);
+    Q_ASSERT(isRight(items));
+}
+
+void ItemIndex::noteRemoval(const Items& items, std::size_t position, Item& removed)
+{
+    removed.m_indexMark.m_slot = 0;
+    m_starts.erase(m_starts.begin() + static_cast<std::ptrdiff_t>(position));
+    m_ends.erase(m_ends.begin() + static_cast<std::ptrdiff_t>(position));
+    m_summarisedItems = std::min(m_summarisedItems, position);
+    Q_ASSERT(isRight(items));
+}
+
+void ItemIndex::noteMove(const Items& items, std::size_t from, std::size_t to)
+{
+    const auto move = [from, to](Times& times, qint64 time) {
+        const auto at = [&times](std::size_t position) {
+            return times.begin() + static_cast<std::ptrdiff_t>(position);
+        };
+        if (from < to)
+            std::move(at(from + 1), at(to + 1), at(from));
+        else
+            std::move_backward(at(to), at(from), at(from + 1));
+        times[to] = time;
+    };
+    move(m_starts, items[to]->startTime());
+    move(m_ends, endTimeOf(*items[to]));
+    noteChange(std::min(from, to), std::max(from, to));
+    Q_ASSERT(isRight(items));
+}
+
+void ItemIndex::noteDuration(const Items& items, std::size_t position)
+{
+    m_ends[position] = endTimeOf(*items[position]);
+    m_isOrdered = m_isOrdered && items[position]->duration() >= openEnded;
+    noteChange(position, position);
+    Q_ASSERT(isRight(items));
+}
+
+void ItemIndex::noteChange(std::size_t first, std::size_t last)
+{
+    if (last < m_summarisedItems)
+        summarise(first, last);
+    else
+        m_summarisedItems = std::min(m_summarisedItems, first);
+}
+
+// What has been summarised stays; the blocks that go on behind it are made anew.
+void ItemIndex::summarise() const
+{
+    std::size_t level = 0;
+    for (std::size_t blocks = (size() + fanOut - 1) / fanOut; blocks > 0; ++level) {
+        if (m_latestEnds.size() == level)
+            m_latestEnds.emplace_back();
+        m_latestEnds[level].resize(blocks);
+        blocks = blocks > fanOut ? (blocks + fanOut - 1) / fanOut : 0;
+    }
+    m_latestEnds.resize(level);
+    summarise(m_summarisedItems, size() - 1);
+    m_summarisedItems = size();
+}
+
+void ItemIndex::summarise(std::size_t first, std::size_t last) const
+{
+    for (std::size_t level = 0; level < m_latestEnds.size(); ++level) {
+        first /= fanOut;
+        last /= fanOut;
+        summariseBlocks(level, first, last);
+    }
+}
+
+void ItemIndex::summariseBlocks(std::size_t level, std::size_t first, std::size_t last) const
+{
+    const Times& below = level == 0 ? m_ends : m_latestEnds[level - 1];
+    for (std::size_t block = first; block <= last; ++block) {
+        const auto begin = below.begin() + static_cast<std::ptrdiff_t>(block * fanOut);
+        const auto end = below.begin() + static_cast<std::ptrdiff_t>(std::min((block + 1) * fanOut, below.size()));
+        m_latestEnds[level][block] = *std::max_element(begin, end);
+    }
+}
+
+// Looks at everything and so at no more than some lists: this is for debug builds.
+bool ItemIndex::isRight(const Items& items) const
+{
+    constexpr std::size_t mostItems = 1000;
+    if (items.size() > mostItems)
+        return m_starts.size() == items.size() && m_place == items.data();
+    for (std::size_t position = 0; position < items.size(); ++position) {
+        if (m_starts[position] != items[position]->startTime() || m_ends[position] != endTimeOf(*items[position]))
+            return false;
+        if (position > 0 && m_starts[position] < m_starts[position - 1])
+            return false;
+    }
+    return m_starts.size() == items.size() && m_ends.size() == items.size() && m_place == items.data();
+}
+
+} // namespace VeskTimeline
