@@ -1,7 +1,9 @@
 #include "failure_log_p.h"
+#include "track_places_p.h"
 
 #include <VeskTimeline/timeline_model.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace VeskTimeline {
@@ -42,10 +44,12 @@ TimelineModel::TimelineModel(TimelineView* view, QObject* parent)
       m_snapTol(1000),
       m_minItemDuration(0),
       m_itemCaching(true),
-      m_trackCaching(true)
+      m_trackCaching(true),
+      m_places(std::make_unique<TrackPlaces>())
 {
     m_rootTrack.m_id = nextFreeTrackId();
     m_trackCache[m_rootTrack.id()] = &m_rootTrack;
+    connect(this, &QAbstractItemModel::rowsInserted, this, &TimelineModel::noteInsertedRows);
 }
 
 TimelineModel::~TimelineModel() = default;
@@ -54,6 +58,7 @@ void TimelineModel::clear()
 {
     m_trackCache.clear();
     m_itemCache.clear();
+    m_places->clear();
     m_rootTrack.tracks().clear();
     m_rootTrack.clearItems();
     m_rootTrack.clearCopyItemIds();
@@ -137,7 +142,25 @@ int TimelineModel::rowOfTrackId(int trackId) const
     const Track* const parentTrack = track(track(trackId)->parentId());
     if (!parentTrack->hasItems())
         throw "parent doesn't have items";
-    return parentTrack->rowOfTrack(trackId);
+    return rowIn(*parentTrack, trackId);
+}
+
+// As Track::rowOfTrack(), which goes through the rows.
+int TimelineModel::rowIn(const Track& parentTrack, int trackId) const
+{
+    const int row = m_places->rowOf(parentTrack, trackId);
+    return row >= 0 ? row : parentTrack.rowOfTrack(trackId);
+}
+
+void TimelineModel::noteInsertedRows(const QModelIndex& parent, int first, int last)
+{
+    if (!parent.isValid()) {
+        m_places->learn(m_rootTrack, first, last);
+        return;
+    }
+    const TrackPlaces::Path path = m_places->pathTo(m_rootTrack, trackIdOf(parent));
+    if (!path.isEmpty())
+        m_places->learn(*path.last().track, first, last);
 }
 
 const Track* TimelineModel::trackOfIndex(const QModelIndex& index) const
@@ -205,8 +228,7 @@ QModelIndex TimelineModel::parent(const QModelIndex& index) const
     }
 
     try {
-        return createIndex(grandparentTrack->rowOfTrack(parentTrack->id()), NameColumn,
-                           internalIdOf(parentTrack->id()));
+        return createIndex(rowIn(*grandparentTrack, parentTrack->id()), NameColumn, internalIdOf(parentTrack->id()));
     } catch (...) {
         VESK_LOG(m_logger, Hox::Debug) << Q_FUNC_INFO << " row of track for parent not found for parent id "
                                        << parentTrack->id() << " - " << textOfCaughtException();
@@ -274,11 +296,32 @@ QModelIndex TimelineModel::indexOfTrackFromIndex(const QModelIndex& idx, int tra
 {
     if (trackIdOf(idx) == trackId)
         return idx;
+    const TrackPlaces::Path path = m_places->pathTo(m_rootTrack, trackId);
+    auto step = path.begin();
+    if (idx.isValid()) {
+        const auto isHere = [&idx](const TrackPlaces::Step& above) { return above.track->id() == trackIdOf(idx); };
+        step = std::find_if(path.begin(), path.end(), isHere);
+        step += step == path.end() ? 0 : 1;
+    }
+    QModelIndex found = idx;
+    for (; step != path.end(); ++step) {
+        found = index(step->row, NameColumn, found);
+        if (!found.isValid())
+            break;
+    }
+    // What is not in the tree may still be among the rows of a subclass.
+    return found.isValid() && trackIdOf(found) == trackId ? found : searchRowsBelow(idx, trackId);
+}
+
+QModelIndex TimelineModel::searchRowsBelow(const QModelIndex& idx, int trackId) const
+{
     const int rows = rowCount(idx);
     for (int row = 0; row < rows; ++row) {
         const QModelIndex child = index(row, NameColumn, idx);
         // An invalid index stands for the root: searching below it would start all over again.
-        const QModelIndex found = child.isValid() ? indexOfTrackFromIndex(child, trackId) : QModelIndex();
+        if (!child.isValid())
+            continue;
+        const QModelIndex found = trackIdOf(child) == trackId ? child : searchRowsBelow(child, trackId);
         if (found.isValid())
             return found;
     }

@@ -11,6 +11,7 @@ class IHoxLogger;
 namespace VeskTimeline {
 
 class TimelineView;
+class TrackPlaces;
 
 /// Owns the track tree and shows it to Qt's views: one row per track, two columns. Subclass it to fill it.
 ///
@@ -219,10 +220,16 @@ protected:
 
 private:
     QString nameOf(const Track& track) const;
+    QModelIndex searchRowsBelow(const QModelIndex& idx, int trackId) const;
+    int rowIn(const Track& parentTrack, int trackId) const;
+    void noteInsertedRows(const QModelIndex& parent, int first, int last);
     void clearItemsOfCachedTracks(Track& subtree);
     void sortByStartTime(QVector<int>& ids) const;
     void forgetDestroyedTrack(int trackId);
     void pasteCopy(ItemPtr& copy, qint64 time);
+
+    /// Where the tracks stand, so that looking for one is no walk of the rows.
+    std::unique_ptr<TrackPlaces> m_places;
 
     friend class TimelineView;
 };

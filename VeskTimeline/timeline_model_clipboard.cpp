@@ -1,3 +1,5 @@
+#include "track_places_p.h"
+
 #include <VeskTimeline/timeline_model.h>
 
 #include <algorithm>
@@ -31,7 +33,8 @@ void TimelineModel::cutToClipboard(const QVector<int>& itemIds)
 void TimelineModel::forgetDestroyedTrack(int trackId)
 {
     // A removed track leaves the ids of its descendants in the cache, pointing at destroyed tracks.
-    if (trackId != m_rootTrack.id() && !m_rootTrack.hasTrack(trackId, true))
+    if (trackId != m_rootTrack.id() && m_places->pathTo(m_rootTrack, trackId).isEmpty() &&
+        !m_rootTrack.hasTrack(trackId, true))
         m_trackCache.erase(trackId);
 }
 
