@@ -11,7 +11,7 @@ namespace VeskTimeline {
 // Inserting into and erasing from a long list of owning pointers is a matter of moving its rest. Done element by
 // element each pointer moved is emptied and each one written to is checked for something to destroy, which costs
 // several times the plain copy; so the rest is moved as bytes here, and the pointer left double is then emptied.
-static_assert(sizeof(ItemPtr) == sizeof(Item*), "an owning pointer is nothing but the pointer");
+static_assert(sizeof(ItemPtr) == sizeof(void*), "an owning pointer is nothing but the pointer");
 
 /// Moves `count` pointers from one position of the list to another; all of the target but what overlaps is empty.
 inline void relocateItems(Items& items, std::size_t from, std::size_t to, std::size_t count)

@@ -89,6 +89,10 @@ public:
         case 10:
         case 11:
             return setDuration(row, id);
+        case 12:
+            model.m_itemCaching = random(2) == 0;
+            model.m_trackCaching = random(2) == 0;
+            return QStringLiteral("caching");
         default:
             return setStart(row, id);
         }
@@ -281,6 +285,11 @@ private Q_SLOTS:
 
     void listsAndQueriesEqualGoingThroughAllItems_data();
     void listsAndQueriesEqualGoingThroughAllItems();
+    void hundredsOfThousandsAreFoundAsByGoingThroughThem();
+    void aTrackThatIsMovedTakesItsIndexAlong();
+    void itemsThatWereTakenOutBelongToNoIndex();
+    void aCopyOfAnItemBelongsToNoIndex();
+    void manyIdsAreIgnoredAsFewAre();
 };
 
 void tst_item_index::listsAndQueriesEqualGoingThroughAllItems_data()
@@ -348,6 +357,89 @@ void tst_item_index::listsAndQueriesEqualGoingThroughAllItems()
         }
     }
     QVERIFY(wasIndexed);
+}
+
+void tst_item_index::hundredsOfThousandsAreFoundAsByGoingThroughThem()
+{
+    constexpr int count = 200'000;
+    QRandomGenerator random(7);
+    OpenTrack track(1, QString());
+    ItemList list;
+    for (int id = 0; id < count; ++id) {
+        // Here and there one that lasts for long or for ever.
+        const int duration = random.bounded(5000) == 0 ? random.bounded(-1, 40'000'000) : random.bounded(900);
+        track.newItem(id, id * qint64{400}, duration);
+        list.items.push_back({id, id * qint64{400}, duration});
+    }
+    for (int i = 0; i < 60; ++i) {
+        const qint64 from = random.bounded(-1000, count * 400 + 1000);
+        const qint64 to = from + random.bounded(100'000);
+        QCOMPARE(idsTouching(track, from, to), Reference::idsTouching(list, from, to));
+        QCOMPARE(idAt(track, from), Reference::idAt(list, from));
+        const int id = random.bounded(count);
+        Item& item = *track.items()[static_cast<std::size_t>(id)];
+        item._setDuration(random.bounded(2'000'000));
+        list.items[static_cast<std::size_t>(id)].duration = item.duration();
+    }
+}
+
+void tst_item_index::aTrackThatIsMovedTakesItsIndexAlong()
+{
+    OpenTrack track(1, QString());
+    for (int id = 0; id < 100; ++id)
+        track.newItem(id, id * 10, 5);
+    const ItemIndex* const index = ItemIndex::of(track);
+    QVERIFY(index);
+    const OpenTrack moved(std::move(track));
+    QCOMPARE(ItemIndex::of(moved), index);
+    QCOMPARE(idsTouching(moved, 500, 520), QVector<int>({50, 51, 52}));
+    moved.items()[51]->_setStartTime(900);
+    moved.items()[51]->_setDuration(0);
+    QCOMPARE(idsTouching(moved, 500, 520), QVector<int>({50, 52}));
+}
+
+void tst_item_index::itemsThatWereTakenOutBelongToNoIndex()
+{
+    OpenTrack track(1, QString());
+    for (int id = 0; id < 100; ++id)
+        track.newItem(id, id * 10, 5);
+    const ItemIndex* const index = ItemIndex::of(track);
+    ItemPtr taken = track.takeItem(50);
+    QVERIFY(index->matches(std::as_const(track).items()));
+    taken->setStartTime(7000);
+    QVERIFY(index->matches(std::as_const(track).items()));
+    taken.reset();
+    QVERIFY(index->matches(std::as_const(track).items()));
+    std::as_const(track).items()[3]->setDuration(6);
+    QVERIFY(!index->matches(std::as_const(track).items()));
+}
+
+void tst_item_index::aCopyOfAnItemBelongsToNoIndex()
+{
+    OpenTrack track(1, QString());
+    for (int id = 0; id < 100; ++id)
+        track.newItem(id, id * 10, 5);
+    const ItemIndex* const index = ItemIndex::of(track);
+    {
+        Item copy = *std::as_const(track).items()[50];
+        copy.setStartTime(7000);
+    }
+    QVERIFY(index->matches(std::as_const(track).items()));
+    *std::as_const(track).items()[50] = Item(505, 1, Qt::red, true);
+    QVERIFY(!index->matches(std::as_const(track).items()));
+}
+
+void tst_item_index::manyIdsAreIgnoredAsFewAre()
+{
+    OpenTrack track(1, QString());
+    QVector<int> ids;
+    for (int id = 0; id < 200; ++id) {
+        track.newItem(id, id, 1000);
+        ids.append(id);
+    }
+    QVERIFY(!track.isItemsBetween(500, 600, ids, true, false, false));
+    QVERIFY(track.isItemsBetween(500, 600, ids.mid(0, 199), true, false, false));
+    QVERIFY(track.isItemsBetween(500, 600, ids.mid(1), true, false, false));
 }
 
 QTEST_GUILESS_MAIN(tst_item_index)
