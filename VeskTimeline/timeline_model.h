@@ -10,6 +10,7 @@ class IHoxLogger;
 
 namespace VeskTimeline {
 
+class SnapCandidates;
 class TimelineView;
 class TrackPlaces;
 
@@ -231,6 +232,7 @@ private:
     /// Where the tracks stand, so that looking for one is no walk of the rows.
     std::unique_ptr<TrackPlaces> m_places;
 
+    friend class SnapCandidates;
     friend class TimelineView;
 };
 

@@ -135,7 +135,7 @@ bool TimelineModel::canResizeItem(const Item& /*item*/, qint64 /*start*/, int /*
 
 bool TimelineModel::isItemDragged(int itemId) const
 {
-    return m_view && m_view->dragHandler() && m_view->dragHandler()->dragItemIds().contains(itemId);
+    return m_view && m_view->dragHandler() && m_view->dragHandler()->isItemDragged(itemId);
 }
 
 } // namespace VeskTimeline

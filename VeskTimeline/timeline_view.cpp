@@ -1,4 +1,5 @@
 #include "failure_log_p.h"
+#include "ordered_ids_p.h"
 
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_model.h>
@@ -65,7 +66,8 @@ TimelineView::TimelineView(QWidget* parent)
       m_startTime(-1),
       m_currentTime(-1),
       m_duration(-1),
-      m_isCursorTextVisible(false)
+      m_isCursorTextVisible(false),
+      m_selectedItemIds(std::make_unique<OrderedIds>())
 {
     setAlternatingRowColors(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -323,68 +325,6 @@ void TimelineView::setCursorText(const QString& text)
 {
     m_cursorText = text;
     viewport()->update();
-}
-
-bool TimelineView::appendToSelection(int id)
-{
-    if (m_selectedItemIdSet.contains(id))
-        return false;
-    m_selectedItemIdSet.insert(id);
-    m_selectedItemIds.append(id);
-    return true;
-}
-
-void TimelineView::setSelection(const QList<int>& ids)
-{
-    m_selectedItemIds = ids;
-    m_selectedItemIdSet = QSet<int>(ids.begin(), ids.end());
-}
-
-void TimelineView::announceSelection()
-{
-    Q_EMIT selectedItemsChanged(m_selectedItemIds);
-    viewport()->update();
-}
-
-void TimelineView::clearSelectedItems()
-{
-    setSelection({});
-    announceSelection();
-}
-
-void TimelineView::selectAllItems()
-{
-    if (!m_model || !m_timelineModel)
-        return;
-    setSelection(m_timelineModel->itemIds());
-    announceSelection();
-}
-
-void TimelineView::selectItem(int id, bool clear)
-{
-    if (clear)
-        setSelection({});
-    if (appendToSelection(id))
-        announceSelection();
-}
-
-void TimelineView::selectItems(const QList<int>& ids, bool clear)
-{
-    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the argument may be the selection, cleared below.
-    const QList<int> added = ids;
-    if (clear)
-        setSelection({});
-    for (const int id : added)
-        appendToSelection(id);
-    announceSelection();
-}
-
-void TimelineView::unselectItem(int id)
-{
-    if (!m_selectedItemIdSet.remove(id))
-        return;
-    m_selectedItemIds.removeOne(id);
-    announceSelection();
 }
 
 int TimelineView::toPixel(qint64 time) const

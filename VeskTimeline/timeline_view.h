@@ -6,9 +6,10 @@
 #include <QList>
 #include <QMetaObject>
 #include <QPoint>
-#include <QSet>
 #include <QString>
 #include <QTreeView>
+
+#include <memory>
 
 class IHoxLogger;
 class QAbstractProxyModel;
@@ -16,6 +17,7 @@ class QAbstractProxyModel;
 namespace VeskTimeline {
 
 class ItemDelegate;
+class OrderedIds;
 class TimelineModel;
 class TimelineViewDragHandler;
 class TimelineViewResizeHandler;
@@ -103,9 +105,9 @@ public:
     void setCursorText(const QString& text);
 
     /// Selected items in the order in which they were selected, each once.
-    const QList<int>& selectedItemIds() const { return m_selectedItemIds; }
-    bool hasSelectedItems() const { return !m_selectedItemIds.isEmpty(); }
-    bool isItemSelected(int id) const { return m_selectedItemIdSet.contains(id); }
+    const QList<int>& selectedItemIds() const;
+    bool hasSelectedItems() const { return !selectedItemIds().isEmpty(); }
+    bool isItemSelected(int id) const;
     /// Emits selectedItemsChanged() even when nothing was selected.
     void clearSelectedItems();
     /// Selects all items of the model, in its order; nothing without a model.
@@ -178,8 +180,6 @@ private:
     void connectHeader();
     void forgetWhenDestroyed(QObject* object);
     void leaveTimelineModel();
-    void setSelection(const QList<int>& ids);
-    bool appendToSelection(int id);
     void announceSelection();
     void moveWindowIntoRange();
 
@@ -220,9 +220,7 @@ private:
     bool m_isCursorTextVisible;
     QString m_cursorText;
     QPoint m_cursorPosition;
-    QList<int> m_selectedItemIds;
-    /// The same ids, to ask for one without a walk along the list.
-    QSet<int> m_selectedItemIdSet;
+    std::unique_ptr<OrderedIds> m_selectedItemIds;
     QList<QMetaObject::Connection> m_lifetimeConnections;
 };
 

@@ -1,7 +1,9 @@
 #include "failure_log_p.h"
 #include "modifiers_p.h"
+#include "snap_candidates_p.h"
 #include "time_grid_p.h"
 #include "track_cell_p.h"
+#include "track_occupancy_p.h"
 
 #include <VeskTimeline/timeline_model.h>
 #include <VeskTimeline/timeline_view.h>
@@ -10,7 +12,6 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QSet>
 
 #include <algorithm>
 #include <cstdlib>
@@ -38,7 +39,8 @@ std::optional<qint64> offsetOntoEdge(const Item& dragged, qint64 start, const It
 
 } // namespace
 
-TimelineViewDragHandler::TimelineViewDragHandler(TimelineView* view) : m_view(view)
+TimelineViewDragHandler::TimelineViewDragHandler(TimelineView* view)
+    : m_view(view), m_dragItemIdSet(std::make_unique<IdsOfList>())
 {
 }
 
@@ -52,6 +54,16 @@ bool TimelineViewDragHandler::isModelEditable() const
 bool TimelineViewDragHandler::hasGesture() const
 {
     return !m_dragItemIds.isEmpty() && m_dragStartIndex.isValid();
+}
+
+const IdSet& TimelineViewDragHandler::dragItemIdSet() const
+{
+    return m_dragItemIdSet->of(m_dragItemIds);
+}
+
+bool TimelineViewDragHandler::isItemDragged(int id) const
+{
+    return !m_dragItemIds.isEmpty() && dragItemIdSet().contains(id);
 }
 
 int TimelineViewDragHandler::trackIdUnder(const QPoint& pos) const
@@ -74,6 +86,7 @@ QModelIndex TimelineViewDragHandler::dragStartRow() const
 void TimelineViewDragHandler::resetGesture()
 {
     m_dragItemIds.clear();
+    m_dragItemIdSet->of(m_dragItemIds);
     m_dragStartIndex = QModelIndex();
     m_dragStartTrackId = -1;
     m_dragStartTime = -1;
@@ -126,30 +139,24 @@ qint64 TimelineViewDragHandler::deltaTime() const
     return snappedToEdges(truncatedToGrid(m_view->toTime(m_dragPos.x()) - m_dragStartTime, model->snapStep()));
 }
 
-// All items but the dragged ones, in the model's order.
-std::vector<const Item*> TimelineViewDragHandler::otherItems() const
-{
-    const TimelineModel* const model = m_view->timelineModel();
-    const QSet<int> draggedIds(m_dragItemIds.begin(), m_dragItemIds.end());
-    std::vector<const Item*> others;
-    const QVector<int> itemIds = model->itemIds();
-    for (const int id : itemIds) {
-        if (!draggedIds.contains(id))
-            others.push_back(model->item(id));
-    }
-    return others;
-}
-
 qint64 TimelineViewDragHandler::snappedToEdges(qint64 dt) const
 {
     const TimelineModel* const model = m_view->timelineModel();
-    const std::vector<const Item*> others = otherItems();
-    qint64 best = 2 * qint64{model->snapTolerance()};
+    const qint64 tolerance = model->snapTolerance();
+    const IdSet& draggedIds = dragItemIdSet();
+    const SnapCandidates candidates(
+        *model, [&](int id) { return draggedIds.contains(id); }, [] { throw; });
+    qint64 best = 2 * tolerance;
     for (const int draggedId : m_dragItemIds) {
         const Item* const dragged = model->item(draggedId);
+        // Only an offset within the tolerance of this one, and nearer than the best, can take its place.
+        const TimeWindow offsets{std::max(dt - tolerance, -best) + 1, std::min(dt + tolerance, best) - 1};
+        if (offsets.isEmpty())
+            continue;
         const qint64 start = dragged->startTime() + dt;
-        for (const Item* const other : others) {
-            const std::optional<qint64> offset = offsetOntoEdge(*dragged, start, *other, model->snapTolerance());
+        const TimeWindow starts = offsets.shifted(dragged->startTime() + dragged->duration());
+        for (const Item* const other : candidates.find(starts, offsets.shifted(dragged->startTime()))) {
+            const std::optional<qint64> offset = offsetOntoEdge(*dragged, start, *other, tolerance);
             if (offset && std::abs(*offset) < best) {
                 dt = *offset;
                 best = std::abs(dt);
@@ -276,13 +283,13 @@ bool TimelineViewDragHandler::canMoveItemsTo(const QPoint& pos) const
     if (!isModelEditable() || !hasGesture() || !isTimeCell(index) || trackIdOfCell(index) != dragStartTrackId())
         return false;
     const TimelineModel* const model = m_view->timelineModel();
+    const IdSet& draggedIds = dragItemIdSet();
     const qint64 dt = deltaTime();
     return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
         const Item* const item = model->item(id);
         const qint64 start = item->startTime() + dt;
         return model->canMoveItem(*item, start) &&
-               !model->track(item->parentTrackId())
-                    ->isItemsBetween(start, start + item->duration(), m_dragItemIds, true, false, false, 0);
+               !isOccupied(*model->track(item->parentTrackId()), start, start + item->duration(), draggedIds);
     });
 }
 
@@ -295,6 +302,7 @@ bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
         return canMoveItemsTo(pos);
 
     const TimelineModel* const model = m_view->timelineModel();
+    const IdSet& draggedIds = dragItemIdSet();
     const qint64 dt = deltaTime();
     return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
         const Item* const item = model->item(id);
@@ -304,7 +312,7 @@ bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
         const Track* const target = model->track(trackId);
         const qint64 start = item->startTime() + dt;
         return model->canDropItem(*item, target->id(), start) &&
-               !target->isItemsBetween(start, start + item->duration(), m_dragItemIds, true, false, false, 0);
+               !isOccupied(*target, start, start + item->duration(), draggedIds);
     });
 }
 
@@ -332,12 +340,12 @@ void TimelineViewDragHandler::keyPressEvent(QKeyEvent* event)
 bool TimelineViewDragHandler::canShiftItems(const QVector<int>& ids, int dt) const
 {
     const TimelineModel* const model = m_view->timelineModel();
+    const IdSet movedIds(ids);
     return std::all_of(ids.begin(), ids.end(), [&](int id) {
         const Item* const item = model->item(id);
         const Track* const track = model->track(item->parentTrackId());
         const qint64 start = item->startTime() + dt;
-        return !track->isItemsBetween(start, start + item->duration(), ids, true, false, false, 0) &&
-               model->canMoveItem(*item, start);
+        return !isOccupied(*track, start, start + item->duration(), movedIds) && model->canMoveItem(*item, start);
     });
 }
 

@@ -6,7 +6,7 @@
 #include <QPoint>
 #include <QVector>
 
-#include <vector>
+#include <memory>
 
 class QDragEnterEvent;
 class QDragLeaveEvent;
@@ -17,6 +17,8 @@ class QMouseEvent;
 
 namespace VeskTimeline {
 
+class IdSet;
+class IdsOfList;
 class Item;
 class TimelineView;
 
@@ -72,6 +74,8 @@ public:
     virtual qint64 deltaTime() const;
 
     const QVector<int>& dragItemIds() const { return m_dragItemIds; }
+    /// Whether dragItemIds() holds the id; does not search the list.
+    bool isItemDragged(int id) const;
     const QModelIndex& dragStartIndex() const { return m_dragStartIndex; }
     qint64 dragStartTime() const { return m_dragStartTime; }
     const QPoint& dragStartPos() const { return m_dragStartPos; }
@@ -116,12 +120,13 @@ private:
     void startDragAndDrop();
     void moveItemsTo(const QPoint& pos);
     void dropItems();
-    std::vector<const Item*> otherItems() const;
+    const IdSet& dragItemIdSet() const;
     qint64 snappedToEdges(qint64 dt) const;
     bool canShiftItems(const QVector<int>& ids, int dt) const;
     void shiftItems(const QVector<int>& ids, int dt);
 
     int m_dragStartTrackId = -1;
+    std::unique_ptr<IdsOfList> m_dragItemIdSet;
 
     friend class TimelineView;
 };

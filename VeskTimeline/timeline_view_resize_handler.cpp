@@ -1,5 +1,6 @@
 #include "edge_grip_p.h"
 #include "failure_log_p.h"
+#include "snap_candidates_p.h"
 #include "time_grid_p.h"
 #include "track_cell_p.h"
 
@@ -241,24 +242,21 @@ bool TimelineViewResizeHandler::snapCandidate(const Item& other, qint64 time, qi
 qint64 TimelineViewResizeHandler::snappedToEdges(const Item& item, qint64 gridTime, const char* signature) const
 {
     const TimelineModel* const model = m_view->timelineModel();
+    const SnapCandidates candidates(
+        *model, [this](int id) { return id == m_currentItemId; },
+        [&] { logCaughtException(m_view->logger(), signature); });
     qint64 result = gridTime;
     int best = 2 * model->snapTolerance();
-    const QVector<int> itemIds = model->itemIds();
-    for (const int id : itemIds) {
-        if (id == m_currentItemId)
+    // Whatever the result has moved to, an edge farther from the grid line than this is never taken.
+    const TimeWindow edges{gridTime - best + 1, gridTime + best - 1};
+    for (const Item* const other : candidates.find(edges, edges)) {
+        qint64 candidate = 0;
+        if (!snapCandidate(*other, result, &candidate) || std::abs(candidate - gridTime) >= best ||
+            isBeyondOtherEdge(item, candidate))
             continue;
-        try {
-            qint64 candidate = 0;
-            if (!snapCandidate(*model->item(id), result, &candidate) || std::abs(candidate - gridTime) >= best ||
-                isBeyondOtherEdge(item, candidate))
-                continue;
-            result = candidate;
-            // Signed on purpose: an edge before the grid line is final, one behind it may still be replaced by a
-            // nearer.
-            best = static_cast<int>(candidate - gridTime);
-        } catch (const QString&) {
-            logCaughtException(m_view->logger(), signature);
-        }
+        result = candidate;
+        // Signed on purpose: an edge before the grid line is final, one behind it may still be replaced by a nearer.
+        best = static_cast<int>(candidate - gridTime);
     }
     return result;
 }
