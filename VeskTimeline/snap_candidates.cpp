@@ -88,14 +88,15 @@ std::vector<const Item*> SnapCandidates::find(const TimeWindow& starts, const Ti
     const bool isOrderedById = m_model.m_itemCaching;
     const std::vector<TimeWindow> windows = joined(starts, ends, !isOrderedById);
     std::vector<const Item*> found;
-    const auto takeByEdges = [&](const Item& item) {
-        if (starts.contains(item.startTime()) || ends.contains(item.startTime() + item.duration()))
-            found.push_back(&item);
+    const auto takeByEdges = [&](const ItemPtr& item) {
+        if (starts.contains(item->startTime()) || ends.contains(item->startTime() + item->duration()))
+            found.push_back(item.get());
+        return false;
     };
     visitTracks(*m_model.rootTrack(), [&](const Track& track) {
         // To snapping, an item without end ends one millisecond before it starts.
         for (const TimeWindow& window : windows)
-            visitItemsTouching(track, window.from, window.to + 1, takeByEdges);
+            findItemInWindow(track, {window.from, window.to + 1}, takeByEdges);
     });
 
     if (isOrderedById)

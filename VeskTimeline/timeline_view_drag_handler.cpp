@@ -1,9 +1,10 @@
 #include "failure_log_p.h"
+#include "id_set_p.h"
 #include "modifiers_p.h"
 #include "snap_candidates_p.h"
 #include "time_grid_p.h"
 #include "track_cell_p.h"
-#include "track_occupancy_p.h"
+#include "track_items_p.h"
 
 #include <VeskTimeline/timeline_model.h>
 #include <VeskTimeline/timeline_view.h>
@@ -35,6 +36,13 @@ std::optional<qint64> offsetOntoEdge(const Item& dragged, qint64 start, const It
     if (isNear(start + dragged.duration(), other.startTime()))
         return other.startTime() - (dragged.startTime() + dragged.duration());
     return std::nullopt;
+}
+
+// Whether the track has room for an item, shown from `start`, those moved with it apart.
+bool isFree(const Track& track, const Item& item, qint64 start, const IdSet& movedIds)
+{
+    return !isAnyItemBetween(
+        track, {start, start + item.duration(), true}, [&](int id) { return movedIds.contains(id); }, false);
 }
 
 } // namespace
@@ -289,7 +297,7 @@ bool TimelineViewDragHandler::canMoveItemsTo(const QPoint& pos) const
         const Item* const item = model->item(id);
         const qint64 start = item->startTime() + dt;
         return model->canMoveItem(*item, start) &&
-               !isOccupied(*model->track(item->parentTrackId()), start, start + item->duration(), draggedIds);
+               isFree(*model->track(item->parentTrackId()), *item, start, draggedIds);
     });
 }
 
@@ -311,8 +319,7 @@ bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
             return false;
         const Track* const target = model->track(trackId);
         const qint64 start = item->startTime() + dt;
-        return model->canDropItem(*item, target->id(), start) &&
-               !isOccupied(*target, start, start + item->duration(), draggedIds);
+        return model->canDropItem(*item, target->id(), start) && isFree(*target, *item, start, draggedIds);
     });
 }
 
@@ -345,7 +352,7 @@ bool TimelineViewDragHandler::canShiftItems(const QVector<int>& ids, int dt) con
         const Item* const item = model->item(id);
         const Track* const track = model->track(item->parentTrackId());
         const qint64 start = item->startTime() + dt;
-        return !isOccupied(*track, start, start + item->duration(), movedIds) && model->canMoveItem(*item, start);
+        return isFree(*track, *item, start, movedIds) && model->canMoveItem(*item, start);
     });
 }
 

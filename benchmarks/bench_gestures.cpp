@@ -7,6 +7,7 @@
 #include <VeskTimeline/timeline_header_view.h>
 #include <VeskTimeline/timeline_view.h>
 #include <VeskTimeline/timeline_view_drag_handler.h>
+#include <VeskTimeline/timeline_view_selection_handler.h>
 
 #include <QApplication>
 #include <QDrag>
@@ -60,8 +61,14 @@ struct Scene
     }
 
     const Track& firstTrack() const { return *model.track(model.trackIds().front()); }
-    /// An item whose start and end are in the window and the only thing at its end; on a busy track the one just there.
-    const Item& visibleItem() const { return *firstTrack().itemAt(view.currentTime() + view.zoomFactor() / 2); }
+    /// An item of the first row that begins in the window.
+    const Item& visibleItem() const
+    {
+        const Items& items = firstTrack().items();
+        const qint64 from = view.currentTime() + view.zoomFactor() / 8;
+        return **std::lower_bound(items.begin(), items.end(), from,
+                                  [](const ItemPtr& item, qint64 time) { return item->startTime() < time; });
+    }
     int rowY(std::size_t row) const
     {
         return view.visualRect(view.indexOfTrackRow(model.trackIds()[row], 1)).center().y();
@@ -125,6 +132,7 @@ private Q_SLOTS:
     void drop();
 
 private:
+    static void rubberBand(Scene& scene);
     static void addShapes()
     {
         QTest::addColumn<Shape>("shape");
@@ -155,6 +163,8 @@ void BenchGestures::drag()
     const int middle = scene.view.toPixel(item.startTime() + item.duration() / 2);
     const int y = scene.rowY(0);
     scene.send(QEvent::MouseMove, {middle, y}, Qt::NoButton, Qt::NoButton);
+    // On the crowded track there is an edge everywhere.
+    scene.view.setCursor(Qt::ArrowCursor);
     const double press = scene.timed(QEvent::MouseButtonPress, {middle, y}, Qt::LeftButton, Qt::LeftButton);
     std::vector<double> near;
     std::vector<double> far;
@@ -202,22 +212,39 @@ void BenchGestures::selection()
         times.push_back(Scene::timed([&] { scene.view.unselectItem(million / 2 + i * 1000); }));
     report("one of a million unselected", medianOf(times), 1);
 
-    // What a whole window holds: on 200 tracks about 100,000.
+    rubberBand(scene);
+}
+
+/// A handler that holds a rubber band as a press and a move leave it.
+class HeldSelectHandler : public TimelineViewSelectHandler
+{
+public:
+    using TimelineViewSelectHandler::TimelineViewSelectHandler;
+
+    void hold(const QRect& band)
+    {
+        m_rubberBand = band;
+        m_isRubberBandActive = true;
+    }
+};
+
+void BenchGestures::rubberBand(Scene& scene)
+{
     scene.view.setCurrentTime(GestureModel::origin);
-    const QPoint from(scene.view.header()->sectionPosition(1) + 5, scene.view.viewport()->height() - 3);
-    const QPoint to(scene.view.viewport()->width() - 20, 3);
-    scene.view.clearSelectedItems();
-    const int y = scene.view.rootIndex().isValid() ? 0 : from.y();
-    scene.send(QEvent::MouseMove, {from.x(), y}, Qt::NoButton, Qt::NoButton);
-    scene.view.setCurrentTime(GestureModel::origin);
+    HeldSelectHandler handler(&scene.view);
+    scene.view.setSelectHandler(&handler);
+    const int left = scene.view.header()->sectionPosition(1);
+    const int right = scene.view.toPixel(GestureModel::origin + GestureModel::day);
+    const bool isCrowded = scene.model.trackIds().size() == 1;
+    handler.hold(QRect(left, 2, (right - left) / (isCrowded ? 10 : 1), scene.view.viewport()->height() - 4));
     scene.model.setEditable(false);
-    QTest::ignoreMessage(QtWarningMsg, "TimelineViewSelectHandler::mousePressEvent: index invalid");
-    scene.send(QEvent::MouseButtonPress, {from.x(), y}, Qt::LeftButton, Qt::LeftButton);
-    scene.send(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
-    const double band = scene.timed(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-    qInfo("%-8s rubber band over %lld items", QTest::currentDataTag(),
-          static_cast<long long>(scene.view.selectedItemIds().size()));
-    report("rubber band", band, 20);
+    const QPoint to = handler.rubberBand().bottomRight();
+    const double time = scene.timed(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+    const QByteArray what = QByteArrayLiteral("rubber band over ") +
+                            QByteArray::number(static_cast<int>(scene.view.selectedItemIds().size())) +
+                            QByteArrayLiteral(" items");
+    report(what.constData(), time, 20);
+    scene.view.setSelectHandler(nullptr);
 }
 
 void BenchGestures::bulkChanges()
@@ -227,7 +254,7 @@ void BenchGestures::bulkChanges()
     scene.model.setSnapEnabled(false);
     scene.selectBulk();
     report("press on one of 100,000 selected items", Scene::timed([&] {
-               const int middle = scene.view.toPixel(scene.visibleItem().startTime() + 3000);
+               const int middle = scene.view.toPixel(scene.visibleItem().startTime() + 9000);
                scene.send(QEvent::MouseButtonPress, {middle, scene.rowY(0)}, Qt::LeftButton, Qt::LeftButton);
                scene.send(QEvent::MouseButtonRelease, {middle, scene.rowY(0)}, Qt::LeftButton, Qt::NoButton);
            }),
