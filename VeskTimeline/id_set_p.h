@@ -5,6 +5,7 @@
 #include <QList>
 #include <QSet>
 
+#include <algorithm>
 #include <vector>
 
 namespace VeskTimeline {
@@ -40,7 +41,7 @@ public:
             return false;
         if (isDense(id)) {
             if (wordOf(id) >= m_words.size())
-                m_words.resize(wordOf(id) + 1);
+                m_words.resize(std::max(wordOf(id) + 1, 2 * m_words.size()));
             m_words[wordOf(id)] |= bitOf(id);
         } else {
             m_others.insert(id);

@@ -50,7 +50,7 @@ void OrderedIds::setTicket(int id, quint32 ticket)
     }
     const auto place = static_cast<std::size_t>(id);
     if (place >= m_tickets.size())
-        m_tickets.resize(place + 1);
+        m_tickets.resize(std::max(place + 1, 2 * m_tickets.size()));
     m_tickets[place] = ticket;
 }
 

@@ -1,5 +1,6 @@
 #include "failure_log_p.h"
 #include "id_set_p.h"
+#include "landing_tracks_p.h"
 #include "modifiers_p.h"
 #include "snap_candidates_p.h"
 #include "time_grid_p.h"
@@ -312,9 +313,10 @@ bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
     const TimelineModel* const model = m_view->timelineModel();
     const IdSet& draggedIds = dragItemIdSet();
     const qint64 dt = deltaTime();
+    LandingTracks landingTrackOf(m_view, [this](const Item& item) { return dragItemTrackId(item); });
     return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
         const Item* const item = model->item(id);
-        const int trackId = dragItemTrackId(*item);
+        const int trackId = landingTrackOf(*item);
         if (trackId == 0)
             return false;
         const Track* const target = model->track(trackId);

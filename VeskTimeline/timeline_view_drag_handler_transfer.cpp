@@ -1,4 +1,5 @@
 #include "failure_log_p.h"
+#include "landing_tracks_p.h"
 
 #include <VeskTimeline/item.h>
 #include <VeskTimeline/timeline_header_view.h>
@@ -87,10 +88,11 @@ void TimelineViewDragHandler::dropItems()
 {
     TimelineModel* const model = m_view->timelineModel();
     const qint64 dt = deltaTime();
+    LandingTracks landingTrackOf(m_view, [this](const Item& item) { return dragItemTrackId(item); });
     const QVector<int> ids = m_dragItemIds;
     for (const int id : ids) {
         const Item* const item = model->item(id);
-        model->moveItemToTrack(id, dragItemTrackId(*item), item->startTime() + dt);
+        model->moveItemToTrack(id, landingTrackOf(*item), item->startTime() + dt);
     }
 }
 

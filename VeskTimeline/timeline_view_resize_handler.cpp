@@ -1,5 +1,6 @@
 #include "edge_grip_p.h"
 #include "failure_log_p.h"
+#include "item_index_p.h"
 #include "snap_candidates_p.h"
 #include "time_grid_p.h"
 #include "track_cell_p.h"
@@ -20,6 +21,27 @@ namespace {
 qint64 endOf(const Item& item)
 {
     return item.startTime() + item.duration();
+}
+
+// Where the item stands in a long list; the list's size when that is not known.
+std::size_t positionOf(const Track& track, const Item* item)
+{
+    const ItemIndex* const index = ItemIndex::of(track);
+    return index && item ? index->positionOf(track.items(), *item) : track.items().size();
+}
+
+// As Track::previous() and Track::next(), which go through the list.
+
+const Item& previousOf(const Track& track, const Item* item, int itemId)
+{
+    const std::size_t position = positionOf(track, item);
+    return position > 0 && position < track.items().size() ? *track.items()[position - 1] : *track.previous(itemId);
+}
+
+const Item& nextOf(const Track& track, const Item* item, int itemId)
+{
+    const std::size_t position = positionOf(track, item) + 1;
+    return position < track.items().size() ? *track.items()[position] : *track.next(itemId);
 }
 
 } // namespace
@@ -175,27 +197,37 @@ qint64 TimelineViewResizeHandler::localEndTime(const Track& track, const Item& i
 {
     if (time <= item.startTime())
         return item.startTime() + m_view->timelineModel()->minimumDuration();
-    return std::min(time, track.next(item.id())->startTime());
+    return std::min(time, nextOf(track, &item, item.id()).startTime());
 }
 
 qint64 TimelineViewResizeHandler::localStartTime(const Track& track, const Item& item, qint64 time) const
 {
     if (time >= endOf(item))
         return endOf(item) - m_view->timelineModel()->minimumDuration();
-    return std::max(time, endOf(*track.previous(item.id())));
+    return std::max(time, endOf(previousOf(track, &item, item.id())));
+}
+
+const Item* TimelineViewResizeHandler::findHeldItem() const
+{
+    try {
+        return std::as_const(*m_view->timelineModel()).item(m_currentItemId);
+    } catch (const QString&) {
+        return nullptr;
+    }
 }
 
 TimelineViewResizeHandler::Bounds TimelineViewResizeHandler::neighbourBounds(const Track& track,
                                                                              const char* signature) const
 {
     Bounds bounds{m_view->startTime(), m_view->endTime()};
+    const Item* const item = findHeldItem();
     try {
-        bounds.lower = endOf(*track.previous(m_currentItemId));
+        bounds.lower = endOf(previousOf(track, item, m_currentItemId));
     } catch (const QString&) {
         logCaughtException(m_view->logger(), signature, Hox::Debug);
     }
     try {
-        bounds.upper = track.next(m_currentItemId)->startTime();
+        bounds.upper = nextOf(track, item, m_currentItemId).startTime();
     } catch (const QString&) {
         logCaughtException(m_view->logger(), signature, Hox::Debug);
     }

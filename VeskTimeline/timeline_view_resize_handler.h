@@ -75,6 +75,7 @@ private:
     void finish();
     qint64 localEndTime(const Track& track, const Item& item, qint64 time) const;
     qint64 localStartTime(const Track& track, const Item& item, qint64 time) const;
+    const Item* findHeldItem() const;
     Bounds neighbourBounds(const Track& track, const char* signature) const;
     bool snapCandidate(const Item& other, qint64 time, qint64* candidate) const;
     bool isBeyondOtherEdge(const Item& item, qint64 time) const;
