@@ -1,4 +1,5 @@
 #include "failure_log_p.h"
+#include "row_painter_p.h"
 
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_model.h>
@@ -8,9 +9,6 @@
 
 #include <QPainter>
 #include <QPushButton>
-
-#include <algorithm>
-#include <cstdio>
 
 namespace VeskTimeline {
 
@@ -25,7 +23,8 @@ ItemDelegate::ItemDelegate(TimelineView* view)
     : QStyledItemDelegate(view),
       m_view(view),
       m_pushButton(new QPushButton(nullptr)),
-      m_pushButtonPressed(new QPushButton(nullptr))
+      m_pushButtonPressed(new QPushButton(nullptr)),
+      m_rowPainter(std::make_unique<RowPainter>(*view))
 {
     m_pushButtonPressed->setDown(true);
 }
@@ -79,35 +78,8 @@ void ItemDelegate::paintTimeCell(QPainter* painter, const QStyleOptionViewItem& 
     painter->save();
     painter->setClipping(true);
     painter->setClipRect(option.rect);
-    for (const ItemPtr& item : track->items())
-        paintItem(painter, option, index, *item);
-    paintCopyItems(painter, option, index, *track);
+    m_rowPainter->paint(painter, option, index, *track);
     painter->restore();
-}
-
-void ItemDelegate::paintCopyItems(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                                  const Track& track) const
-{
-    for (const int id : track.copyItemIds()) {
-        try {
-            paintItem(painter, option, index, *std::as_const(*m_view->timelineModel()).item(id));
-        } catch (...) {
-            std::fprintf(stderr, "ItemDelegate::paint: cannot find item copy of %d\n", id);
-        }
-    }
-}
-
-void ItemDelegate::paintItem(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                             const Item& item) const
-{
-    const TimelineViewDragHandler* const dragHandler = m_view->dragHandler();
-    // A dragged item is shown where it would land, see paintDragItems().
-    if (m_view->timelineModel()->isEditable() && dragHandler && dragHandler->dragItemIds().contains(item.id()))
-        return;
-    QStyleOptionViewItem itemOption(option);
-    itemOption.rect.setLeft(std::max(m_view->toPixel(item.startTime()), option.rect.left()));
-    itemOption.rect.setRight(std::min(m_view->toPixel(item.startTime() + item.duration()), option.rect.right()) - 1);
-    item.paint(painter, itemOption, index, m_view->isItemSelected(item.id()));
 }
 
 void ItemDelegate::paintButton(QPainter* painter, QPushButton* button, const QString& text, const QRect& square) const

@@ -4,13 +4,14 @@
 
 #include <QStyledItemDelegate>
 
+#include <memory>
+
 class QPushButton;
 
 namespace VeskTimeline {
 
-class Item;
+class RowPainter;
 class TimelineView;
-class Track;
 
 /// Paints the rows of a TimelineView: the track name with its buttons in column 0, the track's items in column 1, and,
 /// over all rows, the items that are being dragged.
@@ -48,12 +49,10 @@ protected:
 private:
     void paintNameCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void paintTimeCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
-    void paintItem(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                   const Item& item) const;
-    void paintCopyItems(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                        const Track& track) const;
     bool paintDragItem(QPainter* painter, int itemId, const QPoint& delta) const;
     void paintButton(QPainter* painter, QPushButton* button, const QString& text, const QRect& square) const;
+
+    const std::unique_ptr<RowPainter> m_rowPainter;
 };
 
 } // namespace VeskTimeline

@@ -14,6 +14,7 @@ class QTimer;
 
 namespace VeskTimeline {
 
+class RowPainter;
 class TimelineHeaderViewMouseHandler;
 class TimelineView;
 
@@ -262,6 +263,7 @@ private:
     QColor m_limitIndicatorColor; ///< that of the two pictures
     bool m_hasOwnLiveIndicatorColor = false;
 
+    friend class RowPainter;
     friend class TimelineHeaderViewMouseHandler;
     friend class TimelineView;
 };
