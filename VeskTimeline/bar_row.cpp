@@ -109,12 +109,17 @@ bool BarRow::isHidden(const Bar& bar)
     return columns.first > columns.last || firstFree(columns.first) > columns.last;
 }
 
-bool BarRow::isCovered(int left, int right)
+void BarRow::add(const Bar& bar, QRgb color)
 {
-    return isHidden({left, right, true});
+    take(bar, color);
 }
 
-void BarRow::add(const Bar& bar, QRgb color)
+void BarRow::addOutline(const Bar& bar)
+{
+    take(bar, nothing);
+}
+
+void BarRow::take(const Bar& bar, QRgb color)
 {
     const Columns columns = columnsOf(bar);
     if (columns.first > columns.last)
@@ -127,6 +132,8 @@ void BarRow::add(const Bar& bar, QRgb color)
     for (int column = firstFree(columns.first); column <= columns.last; column = firstFree(column + 1)) {
         const auto at = static_cast<std::size_t>(column);
         const bool isInside = leftEnd < column && column < rightBegin;
+        if (isInside && color == nothing)
+            continue;
         m_colors[at] = isInside ? color : outlineColor;
         m_looks[at] = isInside ? inside : Look::Solid;
         m_nextFree[at] = column + 1;

@@ -41,10 +41,10 @@ public:
     /// Whether nothing of the bar would be seen, being covered by those added before. True also for one that lies
     /// outside the row.
     bool isHidden(const Bar& bar);
-    /// Whether nothing would be seen of any bar between two columns, however it looks.
-    bool isCovered(int left, int right);
     /// Takes the columns of a bar in an opaque colour.
     void add(const Bar& bar, QRgb color);
+    /// Takes the columns of the outline of a bar whose inside is translucent. paint() does not paint such a row.
+    void addOutline(const Bar& bar);
     /// Paints what has been added. The painter's state is not kept.
     void paint(QPainter* painter);
 
@@ -60,6 +60,7 @@ private:
     Columns outline(int column, bool isSelected, qint64 offset) const;
     Columns columnsOf(const Bar& bar) const;
     int firstFree(int column);
+    void take(const Bar& bar, QRgb color);
     QRgb colorOf(std::size_t column, Look banded) const;
     void paintLines(QPainter* painter, int top, int bottom, Look banded);
     void paintRuns(QPainter* painter, int top, int bottom);

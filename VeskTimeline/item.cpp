@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QStyleOptionViewItem>
 
+#include <typeinfo>
+
 namespace VeskTimeline {
 
 const QString Item::mimetype = QStringLiteral("application/brannovexis.timeline.item");
@@ -15,6 +17,11 @@ Item::Item(qint64 startTime, int duration, const QColor& color, bool isEditable)
 }
 
 Item::~Item() = default;
+
+Item::Culling Item::culling() const
+{
+    return typeid(*this) == typeid(Item) ? Culling::Bar : m_culling;
+}
 
 void Item::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& /*index*/,
                  bool isSelected) const

@@ -57,6 +57,14 @@ private:
 class VESKTIMELINE_EXPORT Item
 {
 public:
+    /// What views may rely on in paint(), to leave out calls that change nothing of the picture.
+    enum class Culling : quint8 {
+        None,    ///< nothing: it is called for each item of a row that is painted, wherever the item lies
+        Outside, ///< it paints nothing of an item that is over before the window or begins behind it
+        Bar,     ///< it is Item::paint() or paints the same: where bars cover one another, or there are many, it is not
+                 ///< even called for those that are seen
+    };
+
     /// MIME type that marks a drag of items inside one view; its payload is empty.
     static const QString mimetype;
     /// Outline colour of selected items, RGB 0x43B0E0.
@@ -78,6 +86,10 @@ public:
     /// @param index the time cell of the row painted, in the view's model
     virtual void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                        bool isSelected) const;
+
+    /// For items of this very class Culling::Bar. For subclasses what they have set, Culling::None as long as they have
+    /// not.
+    Culling culling() const;
 
     /// Unique within the model; -1 until the model adds the item.
     int id() const { return m_id; }
@@ -112,6 +124,13 @@ public:
     }
 
 protected:
+    /// For subclasses, in their constructors, to say how paint() behaves.
+    void setCulling(Culling culling)
+    {
+        m_culling = culling;
+        m_indexMark.noteChange();
+    }
+
     QColor m_color;
     /// Changed through _setStartTime() only while a track holds the item.
     qint64 m_startTime = 0;
@@ -120,7 +139,8 @@ protected:
     bool m_isEditable = true;
 
 private:
-    // Here it takes up no room that would not be lost anyway.
+    // Here they take up no room that would not be lost anyway.
+    Culling m_culling = Culling::None;
     ItemIndexMark m_indexMark;
 
 protected:

@@ -1,4 +1,5 @@
 #include "failure_log_p.h"
+#include "ghost_painter_p.h"
 #include "row_painter_p.h"
 
 #include <VeskTimeline/item_delegate.h>
@@ -123,43 +124,15 @@ void ItemDelegate::paintDragItems(QPainter* painter) const
     const TimelineViewDragHandler* const dragHandler = m_view->dragHandler();
     if (!dragHandler || !m_view->timelineModel() || !m_view->header())
         return;
+    const QRect timeColumn(QPoint(m_view->header()->sectionPosition(1), 0), m_view->geometry().bottomRight());
     painter->save();
-    painter->setClipRect(QRect(QPoint(m_view->header()->sectionPosition(1), 0),
-                               QPoint(m_view->geometry().right(), m_view->geometry().bottom())));
+    painter->setClipRect(timeColumn);
     try {
-        const QPoint delta(dragHandler->deltaX(), dragHandler->deltaY());
-        const QVector<int> ids = dragHandler->dragItemIds();
-        for (const int id : ids) {
-            if (!paintDragItem(painter, id, delta))
-                break;
-        }
+        GhostPainter(*m_view).paint(painter, timeColumn);
     } catch (...) {
-        // An item that has gone ends the painting of the others, too.
+        // An item that cannot be painted ends the painting of the others, too.
     }
     painter->restore();
-}
-
-// False where the painting of dragged items ends.
-bool ItemDelegate::paintDragItem(QPainter* painter, int itemId, const QPoint& delta) const
-{
-    const Item* const item = std::as_const(*m_view->timelineModel()).item(itemId);
-    const qint64 end = item->startTime() + item->duration();
-    if (end < m_view->currentTime())
-        return true;
-    if (item->startTime() > m_view->endTime())
-        return false;
-
-    const QModelIndex cell = m_view->indexOfTrackRow(item->parentTrackId(), 1);
-    const QRect row = m_view->visualRect(cell);
-    // A row inside a collapsed one has no place to show its items at.
-    if (!row.isValid())
-        return true;
-    const int left = m_view->toPixel(item->startTime()) + delta.x();
-    const int right = m_view->toPixel(end) + delta.x();
-    QStyleOptionViewItem option;
-    option.rect = QRect(left, row.top() + delta.y(), right - left - 1, row.bottom() - row.top());
-    item->paint(painter, option, cell, m_view->isItemSelected(itemId));
-    return true;
 }
 
 } // namespace VeskTimeline

@@ -49,7 +49,6 @@ protected:
 private:
     void paintNameCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void paintTimeCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
-    bool paintDragItem(QPainter* painter, int itemId, const QPoint& delta) const;
     void paintButton(QPainter* painter, QPushButton* button, const QString& text, const QRect& square) const;
 
     const std::unique_ptr<RowPainter> m_rowPainter;

@@ -50,6 +50,7 @@ void ItemIndex::build(const Items& items)
     m_ends.resize(items.size());
     m_summarisedItems = 0;
     m_isOrdered = true;
+    m_cullings = 0;
     qint64 before = std::numeric_limits<qint64>::min();
     for (std::size_t position = 0; position < items.size(); ++position) {
         Item& item = *items[position];
@@ -57,6 +58,7 @@ void ItemIndex::build(const Items& items)
         m_starts[position] = item.startTime();
         m_ends[position] = endTimeOf(item);
         m_isOrdered = m_isOrdered && before <= item.startTime() && item.duration() >= openEnded;
+        m_cullings |= bitOf(item.culling());
         before = item.startTime();
     }
 }
@@ -92,6 +94,13 @@ std::size_t ItemIndex::firstReaching(qint64 time, std::size_t position, std::siz
     return end;
 }
 
+qint64 ItemIndex::latestEndInBlock(std::size_t position) const
+{
+    if (m_summarisedItems < size())
+        summarise();
+    return m_latestEnds.front()[position / fanOut];
+}
+
 std::size_t ItemIndex::positionOf(const Items& items, const Item& item) const
 {
     for (std::size_t position = firstFrom(item.startTime());
@@ -119,6 +128,7 @@ void ItemIndex::noteInsertion(const Items& items, std::size_t position)
     m_starts.insert(m_starts.begin() + static_cast<std::ptrdiff_t>(position), item.startTime());
     m_ends.insert(m_ends.begin() + static_cast<std::ptrdiff_t>(position), endTimeOf(item));
     m_isOrdered = m_isOrdered && item.duration() >= openEnded;
+    m_cullings |= bitOf(item.culling());
     m_summarisedItems = std::min(m_summarisedItems, position);
     Q_ASSERT(isRight(items));
 }

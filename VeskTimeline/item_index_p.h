@@ -47,6 +47,14 @@ public:
     std::size_t firstBehind(qint64 time) const;
     /// The first position from `position` to before `end` whose item ends at the time or later; `end` for none.
     std::size_t firstReaching(qint64 time, std::size_t position, std::size_t end) const;
+    /// Times of the item at a position; the last time there is for an open-ended one.
+    qint64 startAt(std::size_t position) const { return m_starts[position]; }
+    qint64 endAt(std::size_t position) const { return m_ends[position]; }
+    /// The first position of the block of items that a position lies in, and the latest end among these.
+    static std::size_t blockBegin(std::size_t position) { return position / fanOut * fanOut; }
+    qint64 latestEndInBlock(std::size_t position) const;
+    /// Whether any of the items may be of that kind. One that has been removed may still count.
+    bool has(Item::Culling culling) const { return (m_cullings & bitOf(culling)) != 0; }
     /// The item's position; size() when it is not in the list.
     std::size_t positionOf(const Items& items, const Item& item) const;
     /// Where the item at a position stands after it got another start time and the list was sorted, equals kept in
@@ -64,6 +72,8 @@ private:
     using Times = std::vector<qint64>;
 
     static constexpr std::size_t fanOut = 32;
+
+    static unsigned bitOf(Item::Culling culling) { return 1U << static_cast<unsigned>(culling); }
 
     quint32 changeCount() const;
     void summarise() const;
@@ -83,6 +93,7 @@ private:
     quint16 m_slot;
     quint32 m_changeCount = 0;
     bool m_isOrdered = true;
+    unsigned m_cullings = 0;
 };
 
 } // namespace VeskTimeline

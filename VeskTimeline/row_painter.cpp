@@ -1,3 +1,5 @@
+#include "item_end_p.h"
+#include "item_index_p.h"
 #include "row_painter_p.h"
 
 #include <VeskTimeline/timeline_model.h>
@@ -8,17 +10,17 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <typeinfo>
 
 namespace VeskTimeline {
 
 namespace {
 
-constexpr qint64 noTime = -1;
+// Nothing of an item that is so many pixels away from the row is seen, but for the mark at the row's edge.
+constexpr int outOfSight = 16;
 
-bool isPlain(const Item& item)
+bool canCullItem(const Item& item)
 {
-    return typeid(item) == typeid(Item);
+    return item.culling() != Item::Culling::None;
 }
 
 void reportMissingCopy(int id)
@@ -42,7 +44,10 @@ void RowPainter::paint(QPainter* painter, const QStyleOptionViewItem& option, co
     m_isAllBars = true;
     // What is painted last hides the others, so it is looked at first.
     std::for_each(m_copyItems.rbegin(), m_copyItems.rend(), [this](const Item* item) { look(*item); });
-    std::for_each(track.items().rbegin(), track.items().rend(), [this](const ItemPtr& item) { look(*item); });
+    if (const ItemIndex* const times = ItemIndex::of(track); hasIndexForWindow(times))
+        lookAtWindow(track, *times);
+    else
+        std::for_each(track.items().rbegin(), track.items().rend(), [this](const ItemPtr& item) { look(*item); });
     paintSeen(row);
 }
 
@@ -50,13 +55,12 @@ void RowPainter::readView(const QRect& cell)
 {
     m_cell = cell;
     const TimelineViewDragHandler* const dragHandler = m_view.dragHandler();
-    m_draggedIds.clear();
     // A dragged item is shown where it would land, see ItemDelegate::paintDragItems().
-    if (dragHandler && m_view.timelineModel()->isEditable())
-        m_draggedIds = QSet<int>(dragHandler->dragItemIds().begin(), dragHandler->dragItemIds().end());
-    if (const TimelineHeaderView* const header = m_view.header())
-        m_mapping = {header->windowStart(), header->windowLength(), header->sectionPosition(1),
-                     header->geometry().width()};
+    const bool isDragging =
+        dragHandler && !dragHandler->dragItemIds().isEmpty() && m_view.timelineModel()->isEditable();
+    m_draggedIds = isDragging ? &m_dragIds.of(dragHandler->dragItemIds()) : nullptr;
+    m_hasSelection = m_view.hasSelectedItems();
+    m_axis = ViewAxis(m_view.header());
 }
 
 bool RowPainter::canCull(const Row& row) const
@@ -64,8 +68,10 @@ bool RowPainter::canCull(const Row& row) const
     constexpr int leastHeight = 16;
     if (!m_view.header() || m_cell.height() < leastHeight || m_cell.isEmpty() || !BarRow::isSuitable(*row.painter))
         return false;
-    return std::all_of(row.track.items().begin(), row.track.items().end(),
-                       [](const ItemPtr& item) { return isPlain(*item); });
+    if (const ItemIndex* const index = ItemIndex::of(row.track))
+        return !index->has(Item::Culling::None);
+    const Items& items = row.track.items();
+    return std::all_of(items.begin(), items.end(), [](const ItemPtr& item) { return canCullItem(*item); });
 }
 
 // False when one of them is to be painted by itself.
@@ -81,7 +87,7 @@ bool RowPainter::findCopyItems(const Track& track)
             missingIds.push_back(id);
             continue;
         }
-        if (!isPlain(*m_copyItems.back()))
+        if (!canCullItem(*m_copyItems.back()))
             return false;
     }
     for (const int id : missingIds)
@@ -104,7 +110,7 @@ void RowPainter::paintAll(const Row& row) const
 
 void RowPainter::paintItem(const Row& row, const Item& item) const
 {
-    if (m_draggedIds.contains(item.id()))
+    if (isDragged(item))
         return;
     QStyleOptionViewItem option(row.option);
     option.rect.setLeft(std::max(m_view.toPixel(item.startTime()), m_cell.left()));
@@ -112,25 +118,40 @@ void RowPainter::paintItem(const Row& row, const Item& item) const
     item.paint(row.painter, option, row.index, m_view.isItemSelected(item.id()));
 }
 
-// As TimelineHeaderView::toPixel().
-int RowPainter::toPixel(qint64 time) const
+Bar RowPainter::barAt(qint64 startTime, qint64 endTime, bool isSelected) const
 {
-    return time == noTime ? -1 : m_mapping.toPixel(time);
-}
-
-void RowPainter::look(const Item& item)
-{
-    if (m_draggedIds.contains(item.id()))
-        return;
-    const int left = std::max(toPixel(item.startTime()), m_cell.left());
-    const int right = std::min(toPixel(item.startTime() + item.duration()), m_cell.right());
-    // The outlines of far away edges are out of sight, wherever they lie.
-    constexpr int outOfSight = 16;
+    const int left = std::max(m_axis.toPixel(startTime), m_cell.left());
+    const int right = std::min(m_axis.toPixel(endTime), m_cell.right());
     const auto clamped = [this](int x) {
         return std::clamp(x, m_cell.left() - outOfSight, m_cell.right() + outOfSight);
     };
     // An item that ends left of where it begins is painted with its sides exchanged.
-    const Bar bar{clamped(std::min(left, right)), clamped(std::max(left, right)), m_view.isItemSelected(item.id())};
+    return {clamped(std::min(left, right)), clamped(std::max(left, right)), isSelected};
+}
+
+// What a bar outside the window leaves of itself.
+Bar RowPainter::markAt(Side side, bool isSelected) const
+{
+    return side == Side::Left ? Bar{m_cell.left() - outOfSight, m_cell.left(), isSelected}
+                              : Bar{m_cell.right(), m_cell.right() + outOfSight, isSelected};
+}
+
+void RowPainter::look(const Item& item)
+{
+    if (isDragged(item))
+        return;
+    if (item.culling() == Item::Culling::Outside) {
+        const bool isInside =
+            m_axis.toPixel(item.startTime()) <= m_cell.right() + outOfSight &&
+            (item.duration() < 0 || m_axis.toPixel(item.startTime() + item.duration()) >= m_cell.left() - outOfSight);
+        if (isInside) {
+            m_seen.push_back(&item);
+            m_isAllBars = false;
+        }
+        return;
+    }
+    const Bar bar =
+        barAt(item.startTime(), item.startTime() + item.duration(), m_hasSelection && m_view.isItemSelected(item.id()));
     if (m_bars.isHidden(bar))
         return;
     m_seen.push_back(&item);
@@ -138,7 +159,112 @@ void RowPainter::look(const Item& item)
     if (color.alpha() == 255)
         m_bars.add(bar, color.rgba64().premultiplied().toArgb32());
     else
-        m_isAllBars = false;
+        m_bars.addOutline(bar);
+    m_isAllBars = m_isAllBars && color.alpha() == 255;
+}
+
+// Times and pixels have to go the same way, which they do not around the time that stands for none.
+bool RowPainter::hasIndexForWindow(const ItemIndex* index) const
+{
+    return index && m_cell.left() >= 0 && m_axis.isUsable() && m_axis.toTime(m_cell.left() - 2 * outOfSight) > 0;
+}
+
+void RowPainter::lookAtWindow(const Track& track, const ItemIndex& index)
+{
+    const Items& items = track.items();
+    const std::size_t behind = index.firstBehind(m_axis.toTime(m_cell.right() + 2 * outOfSight));
+    const std::size_t inside = std::min(index.firstFrom(m_axis.toTime(m_cell.left() - 2 * outOfSight)), behind);
+    lookOutside(track, index, {behind, items.size()}, Side::Right);
+    lookInside(items, index, {inside, behind});
+    lookBefore(track, index, inside);
+}
+
+void RowPainter::lookInside(const Items& items, const ItemIndex& index, Positions inside)
+{
+    // Bars hide bars only.
+    const bool canHide = !index.has(Item::Culling::Outside);
+    // An open-ended item is painted as if it ended just before it starts.
+    constexpr qint64 justBefore = 1;
+    for (std::size_t position = inside.end; position > inside.begin;) {
+        const std::size_t last = position - 1;
+        const std::size_t first = std::max(ItemIndex::blockBegin(last), inside.begin);
+        const Bar block = barAt(index.startAt(first) - justBefore, index.latestEndInBlock(last), true);
+        if (canHide && m_bars.isHidden(block)) {
+            position = first;
+            continue;
+        }
+        // Looked at in passing, without going to the items themselves.
+        for (; position > first; --position) {
+            const qint64 start = index.startAt(position - 1);
+            const qint64 end = index.endAt(position - 1);
+            const bool isOpen = end == std::numeric_limits<qint64>::max();
+            const Bar bar = barAt(isOpen ? start - justBefore : start, isOpen ? start : end, m_hasSelection);
+            if (!canHide || !m_bars.isHidden(bar))
+                look(*items[position - 1]);
+        }
+    }
+}
+
+// Items that begin before the window: those that last into it, and between them those that do not.
+void RowPainter::lookBefore(const Track& track, const ItemIndex& index, std::size_t end)
+{
+    const qint64 from = m_axis.toTime(m_cell.left() - outOfSight);
+    m_reaching.clear();
+    for (std::size_t position = index.firstReaching(from, 0, end); position < end;
+         position = index.firstReaching(from, position + 1, end))
+        m_reaching.push_back(position);
+    while (!m_reaching.empty()) {
+        lookOutside(track, index, {m_reaching.back() + 1, end}, Side::Left);
+        end = m_reaching.back();
+        look(*track.items()[end]);
+        m_reaching.pop_back();
+    }
+    lookOutside(track, index, {0, end}, Side::Left);
+}
+
+void RowPainter::lookOutside(const Track& track, const ItemIndex& index, Positions outside, Side side)
+{
+    if (!index.has(Item::Culling::Bar))
+        return;
+    std::size_t position = outside.end;
+    while (position > outside.begin && !m_bars.isHidden(markAt(side, m_hasSelection))) {
+        // Once an outline is there, only the wider one of a selected item reaches beyond it.
+        if (m_bars.isHidden(markAt(side, false))) {
+            position = lastSelected(track, index, {outside.begin, position});
+            if (position == outside.begin)
+                return;
+        }
+        --position;
+        look(*track.items()[position]);
+    }
+}
+
+// The position behind the last one that holds a selected item; the begin for none.
+std::size_t RowPainter::lastSelected(const Track& track, const ItemIndex& index, Positions positions) const
+{
+    const Items& items = track.items();
+    const QList<int>& ids = m_view.selectedItemIds();
+    // Where many are selected one of them will be near; where not, they are soon gone through.
+    const std::size_t few = static_cast<std::size_t>(ids.size()) * 8;
+    const std::size_t nearby = positions.end - std::min(positions.end - positions.begin, few);
+    for (std::size_t position = positions.end; position > nearby; --position) {
+        if (m_view.isItemSelected(items[position - 1]->id()))
+            return position;
+    }
+    std::size_t found = positions.begin;
+    if (nearby == positions.begin)
+        return found;
+    for (const int id : ids) {
+        try {
+            const Item* const item = std::as_const(*m_view.timelineModel()).item(id);
+            const std::size_t position = item->parentTrackId() == track.id() ? index.positionOf(items, *item) : 0;
+            if (positions.begin <= position && position < nearby)
+                found = std::max(found, position + 1);
+        } catch (...) {
+            // A selected item that has gone leaves no mark.
+        }
+    }
+    return found;
 }
 
 void RowPainter::paintSeen(const Row& row)

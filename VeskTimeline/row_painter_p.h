@@ -3,11 +3,11 @@
 // Internal to the library; not installed.
 
 #include "bar_row_p.h"
-#include "time_pixel_mapping_p.h"
+#include "id_set_p.h"
+#include "view_axis_p.h"
 
 #include <VeskTimeline/track.h>
 
-#include <QSet>
 #include <QStyleOptionViewItem>
 
 #include <vector>
@@ -17,13 +17,19 @@ class QPainter;
 
 namespace VeskTimeline {
 
+class ItemIndex;
 class TimelineView;
 
 /// Paints the items of one row of a view: the track's own ones in order, over them the copy items in their order.
 ///
 /// The picture is the one that comes out when each item's paint() is called in turn. That is what is done where an item
 /// of the row may paint anything anywhere, see Item::Culling, or where the painter is not one whose pixels are known,
-/// see BarRow. Otherwise only those items are looked at that can be seen.
+/// see BarRow. Otherwise the items are looked at from the last one painted to the first, as far as there is something
+/// left to be seen, and the track's index tells which to look at.
+///
+/// Items outside the window are not without a trace: a bar is cut to its row by moving its edges, so each of them
+/// leaves an outline at the row's edge. Which one is seen depends only on the order and on what is selected, so that
+/// hardly more than the last one needs to be looked at.
 class RowPainter
 {
 public:
@@ -34,11 +40,6 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index, const Track& track);
 
 private:
-    struct Seen
-    {
-        const Item* item;
-        Bar bar;
-    };
     struct Row
     {
         QPainter* painter;
@@ -46,21 +47,42 @@ private:
         const QModelIndex& index;
         const Track& track;
     };
+    enum class Side { Left, Right };
+    /// Positions in the track's list, the last one excluded.
+    struct Positions
+    {
+        std::size_t begin;
+        std::size_t end;
+    };
 
     void readView(const QRect& cell);
-    bool findCopyItems(const Track& track);
     bool canCull(const Row& row) const;
+    bool findCopyItems(const Track& track);
     void paintAll(const Row& row) const;
     void paintItem(const Row& row, const Item& item) const;
-    int toPixel(qint64 time) const;
-    void look(const Item& item);
     void paintSeen(const Row& row);
 
+    bool hasIndexForWindow(const ItemIndex* index) const;
+    void lookAtWindow(const Track& track, const ItemIndex& index);
+    void lookInside(const Items& items, const ItemIndex& index, Positions inside);
+    void lookBefore(const Track& track, const ItemIndex& index, std::size_t end);
+    void lookOutside(const Track& track, const ItemIndex& index, Positions outside, Side side);
+    std::size_t lastSelected(const Track& track, const ItemIndex& index, Positions positions) const;
+    void look(const Item& item);
+
+    bool isDragged(const Item& item) const { return m_draggedIds && m_draggedIds->contains(item.id()); }
+    Bar barAt(qint64 startTime, qint64 endTime, bool isSelected) const;
+    Bar markAt(Side side, bool isSelected) const;
+
     const TimelineView& m_view;
-    TimePixelMapping m_mapping{0, 1, 0, 0};
+    ViewAxis m_axis;
     QRect m_cell;
-    QSet<int> m_draggedIds;
+    bool m_hasSelection = false;
+    IdsOfList m_dragIds;
+    /// Null when dragged items are painted at their places.
+    const IdSet* m_draggedIds = nullptr;
     std::vector<const Item*> m_copyItems;
+    std::vector<std::size_t> m_reaching;
     BarRow m_bars;
     /// From the last one painted to the first.
     std::vector<const Item*> m_seen;

@@ -14,9 +14,9 @@ class QTimer;
 
 namespace VeskTimeline {
 
-class RowPainter;
 class TimelineHeaderViewMouseHandler;
 class TimelineView;
+class ViewAxis;
 
 /// One mark of the ruler.
 struct Tick
@@ -263,9 +263,9 @@ private:
     QColor m_limitIndicatorColor; ///< that of the two pictures
     bool m_hasOwnLiveIndicatorColor = false;
 
-    friend class RowPainter;
     friend class TimelineHeaderViewMouseHandler;
     friend class TimelineView;
+    friend class ViewAxis;
 };
 
 } // namespace VeskTimeline
