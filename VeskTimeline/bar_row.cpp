@@ -92,7 +92,7 @@ BarRow::Columns BarRow::columnsOf(const Bar& bar) const
             std::min(outline(bar.right, bar.isSelected, m_offsetX).last, m_right - 1) - m_left};
 }
 
-int BarRow::firstFree(int column)
+int BarRow::firstFree(int column) const
 {
     int free = column;
     while (m_nextFree[static_cast<std::size_t>(free)] != free)
@@ -103,10 +103,17 @@ int BarRow::firstFree(int column)
     return free;
 }
 
-bool BarRow::isHidden(const Bar& bar)
+bool BarRow::isHidden(const Bar& bar) const
 {
     const Columns columns = columnsOf(bar);
     return columns.first > columns.last || firstFree(columns.first) > columns.last;
+}
+
+bool BarRow::hasInside(const Bar& bar) const
+{
+    const int begin = std::max(outline(bar.left, bar.isSelected, m_offsetX).last + 1, m_left);
+    const int end = std::min(outline(bar.right, bar.isSelected, m_offsetX).first, m_right);
+    return begin < end;
 }
 
 void BarRow::add(const Bar& bar, QRgb color)
@@ -140,14 +147,19 @@ void BarRow::take(const Bar& bar, QRgb color)
     }
 }
 
-// In lines where the outlines of one look or of both cross the bars.
-QRgb BarRow::colorOf(std::size_t column, Look banded) const
+// The colours of lines that the outlines of plain bars cross, those of selected ones, or none.
+const std::vector<QRgb>& BarRow::lineAcross(Look outlines)
 {
-    if (m_looks[column] == Look::Selected && banded != Look::Solid)
-        return Item::s_highlightColor.rgb();
-    if (m_looks[column] == Look::Plain && banded == Look::Plain)
-        return black;
-    return m_colors[column];
+    if (outlines == Look::Solid)
+        return m_colors;
+    const QRgb selected = Item::s_highlightColor.rgb();
+    const bool hasPlain = outlines == Look::Plain;
+    m_line.resize(m_colors.size());
+    for (std::size_t column = 0; column < m_line.size(); ++column) {
+        const QRgb color = m_looks[column] == Look::Plain && hasPlain ? black : m_colors[column];
+        m_line[column] = m_looks[column] == Look::Selected ? selected : color;
+    }
+    return m_line;
 }
 
 void BarRow::paint(QPainter* painter)
@@ -173,49 +185,51 @@ void BarRow::paint(QPainter* painter)
     paintLines(painter, plainBottom, m_bottom, Look::Plain);
 }
 
-void BarRow::paintLines(QPainter* painter, int top, int bottom, Look banded)
+void BarRow::paintLines(QPainter* painter, int top, int bottom, Look outlines)
 {
     if (top >= bottom)
         return;
-    m_line.resize(m_colors.size());
-    for (std::size_t column = 0; column < m_line.size(); ++column)
-        m_line[column] = colorOf(column, banded);
-    m_runs.clear();
-    const int count = static_cast<int>(m_line.size());
-    for (int column = 0; column < count;) {
-        const int first = column;
-        const QRgb color = m_line[static_cast<std::size_t>(first)];
-        while (column < count && m_line[static_cast<std::size_t>(column)] == color)
-            ++column;
-        if (color != nothing)
-            m_runs.push_back({first, column - 1});
+    const std::vector<QRgb>& line = lineAcross(outlines);
+    // Many short runs are painted quicker at once, although that looks at the gaps as well.
+    constexpr int shortRun = 128;
+    findRuns(line, line.size() / shortRun);
+    if (m_runs.size() > line.size() / shortRun) {
+        paintTexture(painter, line, top, bottom);
+        return;
     }
-    // Where runs are short, one call for all of them is quicker, although it looks at the gaps as well.
-    constexpr int shortRun = 24;
-    if (static_cast<int>(m_runs.size()) * shortRun > count)
-        paintTexture(painter, top, bottom);
-    else
-        paintRuns(painter, top, bottom);
-}
-
-void BarRow::paintRuns(QPainter* painter, int top, int bottom)
-{
     for (const Columns& run : m_runs)
         painter->fillRect(QRect(m_left + run.first, top, run.last - run.first + 1, bottom - top),
-                          QColor::fromRgb(m_line[static_cast<std::size_t>(run.first)]));
+                          QColor::fromRgb(line[static_cast<std::size_t>(run.first)]));
+}
+
+// Gives up when there are more than `most`.
+void BarRow::findRuns(const std::vector<QRgb>& line, std::size_t most)
+{
+    m_runs.clear();
+    const auto positionOf = [&line](std::vector<QRgb>::const_iterator at) {
+        return static_cast<int>(at - line.begin());
+    };
+    const auto isTaken = [](QRgb color) { return color != nothing; };
+    auto at = std::find_if(line.begin(), line.end(), isTaken);
+    while (at != line.end() && m_runs.size() <= most) {
+        const auto behind = std::find_if(at, line.end(), [color = *at](QRgb other) { return other != color; });
+        m_runs.push_back({positionOf(at), positionOf(behind) - 1});
+        at = std::find_if(behind, line.end(), isTaken);
+    }
 }
 
 // All lines are the same: the brush is one line, which the painter repeats.
-void BarRow::paintTexture(QPainter* painter, int top, int bottom)
+void BarRow::paintTexture(QPainter* painter, const std::vector<QRgb>& line, int top, int bottom)
 {
     const int first = m_runs.front().first;
-    const int count = m_runs.back().last + 1 - first;
-    const bool hasGaps =
-        std::find(m_line.begin() + first, m_line.begin() + first + count, nothing) != m_line.begin() + first + count;
-    const QImage line(reinterpret_cast<const uchar*>(m_line.data() + first), count, 1,
-                      hasGaps ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    const auto begin = line.begin() + first;
+    const auto end = std::find_if(line.rbegin(), line.rend(), [](QRgb color) { return color != nothing; }).base();
+    const bool hasGaps = std::find(begin, end, nothing) != end;
+    const int count = static_cast<int>(end - begin);
+    const QImage texture(reinterpret_cast<const uchar*>(&*begin), count, 1, static_cast<int>(sizeof(QRgb)) * count,
+                         hasGaps ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
     painter->setBrushOrigin(m_left + first, 0);
-    painter->fillRect(QRect(m_left + first, top, count, bottom - top), QBrush(line));
+    painter->fillRect(QRect(m_left + first, top, count, bottom - top), QBrush(texture));
 }
 
 } // namespace VeskTimeline

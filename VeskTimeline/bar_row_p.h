@@ -40,10 +40,12 @@ public:
     void begin(const QRect& cell, const QPainter& painter);
     /// Whether nothing of the bar would be seen, being covered by those added before. True also for one that lies
     /// outside the row.
-    bool isHidden(const Bar& bar);
+    bool isHidden(const Bar& bar) const;
+    /// Whether any column in the row shows the colour of the bar.
+    bool hasInside(const Bar& bar) const;
     /// Takes the columns of a bar in an opaque colour.
     void add(const Bar& bar, QRgb color);
-    /// Takes the columns of the outline of a bar whose inside is translucent. paint() does not paint such a row.
+    /// Takes the columns of the outline only. paint() paints a row right whose other bars have no inside.
     void addOutline(const Bar& bar);
     /// Paints what has been added. The painter's state is not kept.
     void paint(QPainter* painter);
@@ -59,12 +61,12 @@ private:
 
     Columns outline(int column, bool isSelected, qint64 offset) const;
     Columns columnsOf(const Bar& bar) const;
-    int firstFree(int column);
+    int firstFree(int column) const;
     void take(const Bar& bar, QRgb color);
-    QRgb colorOf(std::size_t column, Look banded) const;
-    void paintLines(QPainter* painter, int top, int bottom, Look banded);
-    void paintRuns(QPainter* painter, int top, int bottom);
-    void paintTexture(QPainter* painter, int top, int bottom);
+    const std::vector<QRgb>& lineAcross(Look outlines);
+    void paintLines(QPainter* painter, int top, int bottom, Look outlines);
+    void findRuns(const std::vector<QRgb>& line, std::size_t most);
+    void paintTexture(QPainter* painter, const std::vector<QRgb>& line, int top, int bottom);
 
     QRect m_cell;
     /// In sixty-fourths of device pixels, in which whole quarters of a scale have no rounding.
@@ -79,7 +81,7 @@ private:
     bool m_hasSelected = false;
     bool m_hasPlain = false;
     /// For each column itself, when it is free, or one further right that may be.
-    std::vector<int> m_nextFree;
+    mutable std::vector<int> m_nextFree;
     std::vector<QRgb> m_colors;
     std::vector<Look> m_looks;
     std::vector<QRgb> m_line;

@@ -86,7 +86,7 @@ void GhostPainter::removeUnseen(const QRect& clip)
     const auto behindSeen =
         std::remove_if(m_ghosts.begin(), m_ghosts.end(), [&](const Ghost& ghost) { return !isInSight(ghost, clip); });
     m_ghosts.erase(behindSeen, m_ghosts.end());
-    m_reach.assign(2 * m_rows.size() * static_cast<std::size_t>(clip.width()), std::numeric_limits<int>::min());
+    m_rightEnds.assign(2 * m_rows.size() * static_cast<std::size_t>(clip.width()), std::numeric_limits<int>::min());
     // From the last one on: what is painted later hides.
     const auto firstSeen =
         std::remove_if(m_ghosts.rbegin(), m_ghosts.rend(), [&](const Ghost& ghost) { return isHidden(ghost, clip); });
@@ -112,11 +112,13 @@ bool GhostPainter::isHidden(const Ghost& ghost, const QRect& clip)
     if (left < clip.left() || left > clip.right())
         return false;
     const std::size_t look = 2 * ghost.row + (ghost.isSelected ? 1 : 0);
-    int& reach = m_reach[look * static_cast<std::size_t>(clip.width()) + static_cast<std::size_t>(left - clip.left())];
-    if (reach >= right)
+    // The corners of outlines differ with the length, so that only bars of the same length hide one another wholly.
+    int& other =
+        m_rightEnds[look * static_cast<std::size_t>(clip.width()) + static_cast<std::size_t>(left - clip.left())];
+    if (other == right)
         return true;
     if (isOpaqueBar(*ghost.item))
-        reach = right;
+        other = right;
     return false;
 }
 

@@ -18,8 +18,7 @@ class TimelineView;
 /// Paints the items of a view that are being dragged, displaced by the drag, over the rows.
 ///
 /// The picture is the one that comes out when the paint() of each is called, in the order of the drag list. Left out
-/// are bars that are out of sight and those on which a later one lies that begins at the same pixel and is as long or
-/// longer.
+/// are bars that are out of sight and those on which a later one of the same look lies pixel on pixel.
 class GhostPainter
 {
 public:
@@ -52,8 +51,8 @@ private:
     const TimelineView& m_view;
     std::vector<Row> m_rows;
     std::vector<Ghost> m_ghosts;
-    /// For each row, look and column, how far the longest bar that begins there reaches to the right.
-    std::vector<int> m_reach;
+    /// For each row, look and column, where one of the bars that begin there ends.
+    std::vector<int> m_rightEnds;
 };
 
 } // namespace VeskTimeline

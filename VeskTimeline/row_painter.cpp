@@ -17,6 +17,8 @@ namespace {
 
 // Nothing of an item that is so many pixels away from the row is seen, but for the mark at the row's edge.
 constexpr int outOfSight = 16;
+// An open-ended item is painted as if it ended so many milliseconds before it starts.
+constexpr qint64 justBefore = -openEnded;
 
 bool canCullItem(const Item& item)
 {
@@ -155,6 +157,11 @@ void RowPainter::look(const Item& item)
     if (m_bars.isHidden(bar))
         return;
     m_seen.push_back(&item);
+    // Colours need not be plain numbers; those that do not show are not asked for.
+    if (!m_bars.hasInside(bar)) {
+        m_bars.addOutline(bar);
+        return;
+    }
     const QColor color = item.color();
     if (color.alpha() == 255)
         m_bars.add(bar, color.rgba64().premultiplied().toArgb32());
@@ -174,35 +181,94 @@ void RowPainter::lookAtWindow(const Track& track, const ItemIndex& index)
     const Items& items = track.items();
     const std::size_t behind = index.firstBehind(m_axis.toTime(m_cell.right() + 2 * outOfSight));
     const std::size_t inside = std::min(index.firstFrom(m_axis.toTime(m_cell.left() - 2 * outOfSight)), behind);
+    findSelected(track, index);
     lookOutside(track, index, {behind, items.size()}, Side::Right);
     lookInside(items, index, {inside, behind});
     lookBefore(track, index, inside);
 }
 
+// The positions are gone through from the end. What lies in columns that are taken is passed over, a block of the index
+// at once or as much of it as begins in the column of the item at hand, without going to the items themselves.
 void RowPainter::lookInside(const Items& items, const ItemIndex& index, Positions inside)
 {
     // Bars hide bars only.
-    const bool canHide = !index.has(Item::Culling::Outside);
-    // An open-ended item is painted as if it ended just before it starts.
-    constexpr qint64 justBefore = 1;
+    if (index.has(Item::Culling::Outside)) {
+        for (std::size_t position = inside.end; position > inside.begin; --position)
+            look(*items[position - 1]);
+        return;
+    }
+    bool wasHidden = true;
     for (std::size_t position = inside.end; position > inside.begin;) {
-        const std::size_t last = position - 1;
-        const std::size_t first = std::max(ItemIndex::blockBegin(last), inside.begin);
-        const Bar block = barAt(index.startAt(first) - justBefore, index.latestEndInBlock(last), true);
-        if (canHide && m_bars.isHidden(block)) {
-            position = first;
-            continue;
+        const std::size_t first = std::max(ItemIndex::blockBegin(position - 1), inside.begin);
+        if (wasHidden) {
+            const std::size_t seen = firstHidden(index, {first, position});
+            if (seen < position) {
+                position = seen;
+                continue;
+            }
         }
-        // Looked at in passing, without going to the items themselves.
-        for (; position > first; --position) {
-            const qint64 start = index.startAt(position - 1);
-            const qint64 end = index.endAt(position - 1);
-            const bool isOpen = end == std::numeric_limits<qint64>::max();
-            const Bar bar = barAt(isOpen ? start - justBefore : start, isOpen ? start : end, m_hasSelection);
-            if (!canHide || !m_bars.isHidden(bar))
-                look(*items[position - 1]);
+        --position;
+        wasHidden = m_bars.isHidden(barAt(index, position, mayBeSelected({position, position + 1})));
+        if (!wasHidden)
+            look(*items[position]);
+    }
+}
+
+// Of positions in one block, the first of those at their end that are hidden for certain; the end for none.
+std::size_t RowPainter::firstHidden(const ItemIndex& index, Positions positions) const
+{
+    const qint64 latestEnd = index.latestEndInBlock(positions.begin);
+    const bool isSelected = mayBeSelected(positions);
+    if (m_bars.isHidden(barAt(index.startAt(positions.begin) - justBefore, latestEnd, isSelected)))
+        return positions.begin;
+    const int column = m_axis.toPixel(index.startAt(positions.end - 1) - justBefore);
+    if (!m_bars.isHidden(barAt(index.startAt(positions.end - 1) - justBefore, latestEnd, isSelected)))
+        return positions.end;
+    while (positions.begin < positions.end) {
+        const std::size_t middle = (positions.begin + positions.end) / 2;
+        if (m_axis.toPixel(index.startAt(middle) - justBefore) < column)
+            positions.begin = middle + 1;
+        else
+            positions.end = middle;
+    }
+    return positions.begin;
+}
+
+// A bar whose item is not looked at: as far as it can reach.
+Bar RowPainter::barAt(const ItemIndex& index, std::size_t position, bool isSelected) const
+{
+    const qint64 start = index.startAt(position);
+    const bool isOpen = index.endAt(position) == std::numeric_limits<qint64>::max();
+    return isOpen ? barAt(start - justBefore, start, isSelected) : barAt(start, index.endAt(position), isSelected);
+}
+
+// When but a few items are selected, it is known where in the track they are.
+void RowPainter::findSelected(const Track& track, const ItemIndex& index)
+{
+    constexpr int few = 256;
+    const QList<int>& ids = m_view.selectedItemIds();
+    m_selectedPositions.clear();
+    m_isSelectionKnown = ids.size() <= few;
+    if (!m_isSelectionKnown)
+        return;
+    for (const int id : ids) {
+        try {
+            const Item& item = *std::as_const(*m_view.timelineModel()).item(id);
+            if (item.parentTrackId() == track.id())
+                m_selectedPositions.push_back(index.positionOf(track.items(), item));
+        } catch (...) {
+            // A selected item that has gone is nowhere.
         }
     }
+    std::sort(m_selectedPositions.begin(), m_selectedPositions.end());
+}
+
+bool RowPainter::mayBeSelected(Positions positions) const
+{
+    if (!m_isSelectionKnown)
+        return true;
+    const auto first = std::lower_bound(m_selectedPositions.begin(), m_selectedPositions.end(), positions.begin);
+    return first != m_selectedPositions.end() && *first < positions.end;
 }
 
 // Items that begin before the window: those that last into it, and between them those that do not.
@@ -230,7 +296,7 @@ void RowPainter::lookOutside(const Track& track, const ItemIndex& index, Positio
     while (position > outside.begin && !m_bars.isHidden(markAt(side, m_hasSelection))) {
         // Once an outline is there, only the wider one of a selected item reaches beyond it.
         if (m_bars.isHidden(markAt(side, false))) {
-            position = lastSelected(track, index, {outside.begin, position});
+            position = lastSelected(track.items(), {outside.begin, position});
             if (position == outside.begin)
                 return;
         }
@@ -240,31 +306,17 @@ void RowPainter::lookOutside(const Track& track, const ItemIndex& index, Positio
 }
 
 // The position behind the last one that holds a selected item; the begin for none.
-std::size_t RowPainter::lastSelected(const Track& track, const ItemIndex& index, Positions positions) const
+std::size_t RowPainter::lastSelected(const Items& items, Positions positions) const
 {
-    const Items& items = track.items();
-    const QList<int>& ids = m_view.selectedItemIds();
-    // Where many are selected one of them will be near; where not, they are soon gone through.
-    const std::size_t few = static_cast<std::size_t>(ids.size()) * 8;
-    const std::size_t nearby = positions.end - std::min(positions.end - positions.begin, few);
-    for (std::size_t position = positions.end; position > nearby; --position) {
-        if (m_view.isItemSelected(items[position - 1]->id()))
-            return position;
+    if (m_isSelectionKnown) {
+        const auto behind = std::lower_bound(m_selectedPositions.begin(), m_selectedPositions.end(), positions.end);
+        const bool isFound = behind != m_selectedPositions.begin() && *std::prev(behind) >= positions.begin;
+        return isFound ? *std::prev(behind) + 1 : positions.begin;
     }
-    std::size_t found = positions.begin;
-    if (nearby == positions.begin)
-        return found;
-    for (const int id : ids) {
-        try {
-            const Item* const item = std::as_const(*m_view.timelineModel()).item(id);
-            const std::size_t position = item->parentTrackId() == track.id() ? index.positionOf(items, *item) : 0;
-            if (positions.begin <= position && position < nearby)
-                found = std::max(found, position + 1);
-        } catch (...) {
-            // A selected item that has gone leaves no mark.
-        }
-    }
-    return found;
+    // Where many are selected, one of them will be near.
+    while (positions.end > positions.begin && !m_view.isItemSelected(items[positions.end - 1]->id()))
+        --positions.end;
+    return positions.end;
 }
 
 void RowPainter::paintSeen(const Row& row)

@@ -67,11 +67,15 @@ private:
     void lookInside(const Items& items, const ItemIndex& index, Positions inside);
     void lookBefore(const Track& track, const ItemIndex& index, std::size_t end);
     void lookOutside(const Track& track, const ItemIndex& index, Positions outside, Side side);
-    std::size_t lastSelected(const Track& track, const ItemIndex& index, Positions positions) const;
+    std::size_t firstHidden(const ItemIndex& index, Positions positions) const;
+    void findSelected(const Track& track, const ItemIndex& index);
+    bool mayBeSelected(Positions positions) const;
+    std::size_t lastSelected(const Items& items, Positions positions) const;
     void look(const Item& item);
 
     bool isDragged(const Item& item) const { return m_draggedIds && m_draggedIds->contains(item.id()); }
     Bar barAt(qint64 startTime, qint64 endTime, bool isSelected) const;
+    Bar barAt(const ItemIndex& index, std::size_t position, bool isSelected) const;
     Bar markAt(Side side, bool isSelected) const;
 
     const TimelineView& m_view;
@@ -83,6 +87,8 @@ private:
     const IdSet* m_draggedIds = nullptr;
     std::vector<const Item*> m_copyItems;
     std::vector<std::size_t> m_reaching;
+    std::vector<std::size_t> m_selectedPositions;
+    bool m_isSelectionKnown = false;
     BarRow m_bars;
     /// From the last one painted to the first.
     std::vector<const Item*> m_seen;

@@ -137,15 +137,14 @@ void Rectangles::paintEvent(QPaintEvent* /*event*/)
         const int top = row * rowHeight;
         painter.setClipRect(content().nameWidth, top, content().rulerWidth - content().nameWidth, rowHeight);
         visitDistinct(content().rows[static_cast<std::size_t>(row)], [&](const Bar& bar, Columns columns) {
-            const QRect outline(columns.left, top, columns.right - columns.left + 1, rowHeight + 1);
-            if (bar.isSelected) {
-                painter.fillRect(outline.adjusted(-reach, -reach, reach, reach), QColor::fromRgb(highlight));
-                painter.fillRect(outline.adjusted(reach + 1, reach + 1, -reach - 1, -reach - 1),
-                                 QColor::fromRgb(bar.color));
-            } else {
-                painter.fillRect(outline, QColor::fromRgb(black));
-                painter.fillRect(outline.adjusted(1, 1, -1, -1), QColor::fromRgb(bar.color));
-            }
+            const int wider = bar.isSelected ? reach : 0;
+            const QRect outline = QRect(columns.left, top, columns.right - columns.left + 1, rowHeight + 1)
+                                      .adjusted(-wider, -wider, wider, wider);
+            const int thickness = 2 * wider + 1;
+            const QRect inside = outline.adjusted(thickness, thickness, -thickness, -thickness);
+            painter.fillRect(outline, QColor::fromRgb(bar.isSelected ? highlight : black));
+            if (inside.isValid())
+                painter.fillRect(inside, QColor::fromRgb(bar.color));
         });
     }
 }
