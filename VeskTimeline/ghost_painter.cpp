@@ -107,12 +107,12 @@ bool GhostPainter::isHidden(const Ghost& ghost, const QRect& clip)
 {
     if (ghost.item->culling() != Item::Culling::Bar)
         return false;
-    const int left = std::min(ghost.rect.left(), ghost.rect.left() + ghost.rect.width());
-    const int right = std::max(ghost.rect.left(), ghost.rect.left() + ghost.rect.width());
+    const int left = ghost.rect.left();
+    const int right = left + ghost.rect.width();
     if (left < clip.left() || left > clip.right())
         return false;
     const std::size_t look = 2 * ghost.row + (ghost.isSelected ? 1 : 0);
-    // The corners of outlines differ with the length, so that only bars of the same length hide one another wholly.
+    // The corners of outlines differ with the length and the direction, so that only the same rectangle hides wholly.
     int& other =
         m_rightEnds[look * static_cast<std::size_t>(clip.width()) + static_cast<std::size_t>(left - clip.left())];
     if (other == right)

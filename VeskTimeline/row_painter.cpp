@@ -25,6 +25,11 @@ bool canCullItem(const Item& item)
     return item.culling() != Item::Culling::None;
 }
 
+bool isOpenEndedAt(const ItemIndex& index, std::size_t position)
+{
+    return index.endAt(position) == std::numeric_limits<qint64>::max();
+}
+
 void reportMissingCopy(int id)
 {
     std::fprintf(stderr, "ItemDelegate::paint: cannot find item copy of %d\n", id);
@@ -208,9 +213,19 @@ void RowPainter::lookInside(const Items& items, const ItemIndex& index, Position
             }
         }
         --position;
-        wasHidden = m_bars.isHidden(barAt(index, position, mayBeSelected({position, position + 1})));
-        if (!wasHidden)
+        const bool isSelectable = mayBeSelected({position, position + 1});
+        const Bar bar = barAt(index, position, isSelectable);
+        wasHidden = m_bars.isHidden(bar);
+        if (wasHidden)
+            continue;
+        // Items lie scattered in memory: of one that shows nothing but its outline the times suffice.
+        const bool isKnown = !isSelectable && !m_draggedIds && !isOpenEndedAt(index, position);
+        if (isKnown && !m_bars.hasInside(bar)) {
+            m_seen.push_back(items[position].get());
+            m_bars.addOutline(bar);
+        } else {
             look(*items[position]);
+        }
     }
 }
 
@@ -238,8 +253,8 @@ std::size_t RowPainter::firstHidden(const ItemIndex& index, Positions positions)
 Bar RowPainter::barAt(const ItemIndex& index, std::size_t position, bool isSelected) const
 {
     const qint64 start = index.startAt(position);
-    const bool isOpen = index.endAt(position) == std::numeric_limits<qint64>::max();
-    return isOpen ? barAt(start - justBefore, start, isSelected) : barAt(start, index.endAt(position), isSelected);
+    return isOpenEndedAt(index, position) ? barAt(start - justBefore, start, isSelected)
+                                          : barAt(start, index.endAt(position), isSelected);
 }
 
 // When but a few items are selected, it is known where in the track they are.
