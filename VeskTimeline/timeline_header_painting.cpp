@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPolygon>
 
+#include <algorithm>
 #include <cmath>
 
 namespace VeskTimeline {
@@ -57,6 +58,11 @@ QPixmap pictureOf(const LimitMarker& marker)
     QPainter painter(&picture);
     marker.paint(&painter, QApplication::palette().color(QPalette::Text));
     return picture;
+}
+
+int timeTextWidth(const QFontMetrics& metrics, const QString& text)
+{
+    return metrics.horizontalAdvance(text) + timeTextPadding;
 }
 
 void paintAt(QPainter* painter, const QPoint& position, const LimitMarker& marker, const QColor& color)
@@ -215,10 +221,33 @@ void TimelineHeaderView::paintHover(QPainter* painter, const QRect& rect) const
         return;
 
     const QString text = DateTime::toString(m_hoverTime, m_hoverDateTimeFormat);
-    const int width = painter->fontMetrics().horizontalAdvance(text) + timeTextPadding;
+    const int width = timeTextWidth(painter->fontMetrics(), text);
     const int left = std::min(m_hoverPosition - width / 2, rect.right() + 1 - width);
     painter->setPen(textColor());
     paintTimeText(painter, QRect(left, rect.top(), width, timeTextHeight), text);
+}
+
+int TimelineHeaderView::indicatorSize(double scalingFactor) const
+{
+    const int rulerHeight = m_isLimitsVisible ? height() - s_limitHeight : height();
+    return static_cast<int>(rulerHeight * scalingFactor);
+}
+
+QRect TimelineHeaderView::indicatorStrip(qint64 time, double scalingFactor) const
+{
+    if (time == -1)
+        return {};
+    // Antialiased edges and the text's own overhang.
+    constexpr int margin = 4;
+    const QFontMetrics metrics(m_font.resolve(viewport()->font()), viewport());
+    const int textWidth = timeTextWidth(metrics, DateTime::toString(time, m_dateTimeFormat));
+    const int half = std::max(indicatorSize(scalingFactor), textWidth) / 2 + margin;
+    const int position = toPixel(time);
+    const int left = std::max(position - half, timeColumnLeft());
+    const int right = std::min(position + half, viewport()->width() - 1);
+    if (right < left)
+        return {};
+    return {QPoint(left, 0), QPoint(right, viewport()->height() - 1)};
 }
 
 void TimelineHeaderView::paintIndicator(QPainter* painter, const QRect& rect, qint64 time, double scalingFactor,
@@ -228,8 +257,7 @@ void TimelineHeaderView::paintIndicator(QPainter* painter, const QRect& rect, qi
     constexpr double triangleRatio = 0.866;
 
     const int position = toPixel(time);
-    const int rulerHeight = m_isLimitsVisible ? height() - s_limitHeight : height();
-    const int size = static_cast<int>(rulerHeight * scalingFactor);
+    const int size = indicatorSize(scalingFactor);
     const double top = rect.bottom() - triangleRatio * size;
 
     painter->setPen(color);
@@ -239,7 +267,7 @@ void TimelineHeaderView::paintIndicator(QPainter* painter, const QRect& rect, qi
     painter->drawLine(position, rect.top() + timeTextHeight, position, rect.bottom());
 
     const QString text = DateTime::toString(time, m_dateTimeFormat);
-    const int width = painter->fontMetrics().horizontalAdvance(text) + timeTextPadding;
+    const int width = timeTextWidth(painter->fontMetrics(), text);
     painter->setPen(textColor());
     paintTimeText(painter, QRect(position - width / 2, rect.top(), width, timeTextHeight), text);
 }

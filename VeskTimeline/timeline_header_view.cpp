@@ -6,12 +6,12 @@
 #include <VeskTimeline/timeline_view.h>
 
 #include <QApplication>
-#include <QDebug>
 #include <QEvent>
 #include <QPalette>
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
 
 namespace VeskTimeline {
 
@@ -288,79 +288,6 @@ void TimelineHeaderView::setIndicatorVisible(bool isVisible)
     Q_EMIT indicatorVisibilityChanged(isVisible);
 }
 
-void TimelineHeaderView::setLiveIndicatorScalingFactor(double factor)
-{
-    if (factor <= 0.0 || factor == m_liveIndicatorScalingFactor)
-        return;
-    m_liveIndicatorScalingFactor = factor;
-    repaintRuler();
-}
-
-void TimelineHeaderView::setLiveIndicatorColor(const QColor& color)
-{
-    m_hasOwnLiveIndicatorColor = true;
-    if (m_liveIndicatorColor == color)
-        return;
-    m_liveIndicatorColor = color;
-    repaintRuler();
-}
-
-void TimelineHeaderView::setLiveIndicatorTime(qint64 time)
-{
-    time = snapped(time);
-    if (time == m_liveIndicatorTime)
-        return;
-    m_liveIndicatorTime = time;
-    repaintRuler();
-    // The line through the rows moves along, and nobody but the ruler knows of the step.
-    repaintView();
-    Q_EMIT liveIndicatorTimeChanged(time);
-}
-
-void TimelineHeaderView::setLiveIndicatorVisible(bool isVisible)
-{
-    if (m_isLiveIndicatorVisible == isVisible)
-        return;
-    m_isLiveIndicatorVisible = isVisible;
-    repaintRuler();
-    repaintView();
-    Q_EMIT liveIndicatorVisibilityChanged(isVisible);
-}
-
-void TimelineHeaderView::startLiveTimer(qint64 startTime, int interval)
-{
-    if (interval <= 0) {
-        qCritical() << Q_FUNC_INFO << "invalid time interval:" << interval;
-        return;
-    }
-    if (m_liveTimer->isActive()) {
-        qWarning() << Q_FUNC_INFO << "timer is already active - restarting";
-        m_liveTimer->stop();
-    }
-    if (startTime < 0 && m_timelineView)
-        startTime = m_timelineView->currentTime();
-    m_liveTimerInterval = interval;
-    setLiveIndicatorTime(startTime);
-    setLiveIndicatorVisible(true);
-    m_liveTimer->setSingleShot(false);
-    m_liveTimer->start(interval);
-}
-
-void TimelineHeaderView::onLiveTimeout()
-{
-    setLiveIndicatorTime(m_liveIndicatorTime + m_liveTimerInterval);
-}
-
-void TimelineHeaderView::stopLiveTimer()
-{
-    if (!m_liveTimer->isActive())
-        return;
-    qDebug() << Q_FUNC_INFO;
-    m_liveTimer->stop();
-    m_liveIndicatorTime = noTime;
-    setLiveIndicatorVisible(false);
-}
-
 void TimelineHeaderView::setHoverTime(qint64 time)
 {
     if (!m_isHoverVisible || !m_timelineView)
@@ -477,9 +404,22 @@ void TimelineHeaderView::repaintRuler()
     viewport()->update();
 }
 
+bool TimelineHeaderView::isScaledByWholeNumber() const
+{
+    const qreal scale = devicePixelRatioF();
+    return scale == std::floor(scale);
+}
+
+// At other scale factors the two columns can meet within a pixel, which then holds some of both.
+int TimelineHeaderView::timeColumnLeft() const
+{
+    return sectionPosition(1) - (isScaledByWholeNumber() ? 0 : 1);
+}
+
 void TimelineHeaderView::repaintTimeColumn()
 {
-    updateSection(1);
+    const int left = timeColumnLeft();
+    viewport()->update(left, 0, viewport()->width() - left, viewport()->height());
 }
 
 void TimelineHeaderView::repaintView()

@@ -219,6 +219,8 @@ private:
     void repaintRuler();
     void repaintTimeColumn();
     void repaintView();
+    void repaintLiveIndicatorInRuler(qint64 from, qint64 to);
+    void repaintLiveIndicatorInRows(qint64 from, qint64 to);
 
     void paintTrackLabel(QPainter* painter, const QRect& rect) const;
     void paintTimeScale(QPainter* painter, const QRect& rect) const;
@@ -229,6 +231,12 @@ private:
     void paintHover(QPainter* painter, const QRect& rect) const;
     void paintIndicator(QPainter* painter, const QRect& rect, qint64 time, double scalingFactor,
                         const QColor& color) const;
+    /// The part of the ruler that an indicator at a time may cover.
+    QRect indicatorStrip(qint64 time, double scalingFactor) const;
+    int indicatorSize(double scalingFactor) const;
+    bool isScaledByWholeNumber() const;
+    /// The first x that repainting the time column has to include.
+    int timeColumnLeft() const;
     int tickBaseline(const QRect& rect) const;
 
     TimelineHeaderViewMouseHandler* m_mouseHandler;
