@@ -1,76 +1,52 @@
-// What the gestures cost over a million items, the frames apart: events go to the viewport as the platform sends them,
-// and nothing is painted in between. Prints the median over a number of events, or the time of the one event.
+// What the gestures cost, the frames apart: events go to the viewport as the platform sends them, and nothing is
+// painted in between. Each scenario is one gesture from press to release over a million items, in a quick run a tenth
+// of them.
 
-#include "gesture_model.h"
+#include "bench.h"
+#include "workloads.h"
 
 #include <VeskTimeline/item_delegate.h>
-#include <VeskTimeline/timeline_header_view.h>
-#include <VeskTimeline/timeline_view.h>
 #include <VeskTimeline/timeline_view_drag_handler.h>
-#include <VeskTimeline/timeline_view_selection_handler.h>
 
-#include <QApplication>
 #include <QDrag>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QTest>
 #include <QTimer>
 
-#include <algorithm>
-#include <functional>
-
 using namespace VeskTimeline;
+using namespace Workload;
 
 namespace {
 
-constexpr int million = 1'000'000;
-constexpr int bulk = 100'000;
+// Of the platforms without a screen the one that has drag and drop; it is chosen before the application starts.
+const bool s_isPlatformChosen = qputenv("QT_QPA_PLATFORM", "minimal");
 
-double medianOf(std::vector<double> values)
+int itemCount()
 {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
+    return Bench::itemCounts().back();
 }
 
-void report(const char* what, double milliseconds, double target)
+/// How many items a change of many is about.
+int bulkCount()
 {
-    qInfo("%-8s %-44s %9.3f ms   at most %5g ms   %s", QTest::currentDataTag(), what, milliseconds, target,
-          milliseconds <= target ? "reached" : "NOT REACHED");
+    return itemCount() / 10;
 }
 
-/// A view over a model of a million items, the window in the middle of the day.
-struct Scene
+/// A scene that gestures may leave in any state, and what sends it the user's input.
+struct GestureScene : Scene
 {
-    GestureModel model;
-    TimelineView view;
-
-    Scene(GestureModel::Shape shape, Zoom::Factor zoom) : model(shape, million)
+    GestureScene(Shape shape, Zoom::Factor zoom) : Scene({shape, itemCount()})
     {
-        view.setModel(&model);
-        view.setItemDelegate(new ItemDelegate(&view));
-        view.resize(1920, 1080);
-        view.setRange(GestureModel::origin, GestureModel::origin + GestureModel::day);
-        view.setZoomFactor(zoom);
-        view.setCurrentTime(GestureModel::origin + GestureModel::day / 2);
-        view.expandAll();
-        view.show();
-        QApplication::processEvents();
+        setWindow(zoom);
         model.setSnapEnabled(true);
-        // The layout that a hover marker asks for is the frame's; the indexes are made by what first asks the tracks.
-        view.header()->setHoverVisible(false);
-        model.itemIdsBetween(GestureModel::origin, GestureModel::origin, true, true, true, false);
     }
 
-    const Track& firstTrack() const { return *model.track(model.trackIds().front()); }
-    /// An item of the first row that begins in the window.
+    /// An item whose start and end are in the window and the only thing at its end; on a busy track the one just there.
     const Item& visibleItem() const
     {
-        const Items& items = firstTrack().items();
-        const qint64 from = view.currentTime() + view.zoomFactor() / 8;
-        return **std::lower_bound(items.begin(), items.end(), from,
-                                  [](const ItemPtr& item, qint64 time) { return item->startTime() < time; });
+        const Track* const first = std::as_const(model).track(model.trackIds().front());
+        return *first->itemAt(view.currentTime() + view.zoomFactor() / 2);
     }
     int rowY(std::size_t row) const
     {
@@ -84,27 +60,20 @@ struct Scene
     }
     double timed(QEvent::Type type, const QPoint& pos, Qt::MouseButton button, Qt::MouseButtons buttons)
     {
-        return timed([&] { send(type, pos, button, buttons); });
-    }
-    static double timed(const std::function<void()>& action)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        action();
-        return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        return Bench::millisecondsOf([&] { send(type, pos, button, buttons); });
     }
     double timedKey(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
         QKeyEvent event(QEvent::KeyPress, key, modifiers);
-        return timed([&] { QCoreApplication::sendEvent(&view, &event); });
+        return Bench::millisecondsOf([&] { QCoreApplication::sendEvent(&view, &event); });
     }
     /// Selects all items of the first tracks, as many as are asked for.
     void selectBulk()
     {
         QList<int> ids;
         for (const int trackId : model.trackIds()) {
-            for (const ItemPtr& item : model.track(trackId)->items()) {
-                if (ids.size() < bulk)
+            for (const ItemPtr& item : std::as_const(model).track(trackId)->items()) {
+                if (ids.size() < bulkCount())
                     ids.append(item->id());
             }
         }
@@ -112,162 +81,90 @@ struct Scene
     }
 };
 
-} // namespace
-
-class BenchGestures : public QObject
+void hover(benchmark::State& state, Shape shape)
 {
-    Q_OBJECT
-
-    using Shape = GestureModel::Shape;
-
-private Q_SLOTS:
-    void hover_data() { addShapes(); }
-    void hover();
-    void drag_data() { addShapes(); }
-    void drag();
-    void resize_data() { addShapes(); }
-    void resize();
-    void selection_data() { addShapes(); }
-    void selection();
-    void bulkChanges_data() { addShapes(); }
-    void bulkChanges();
-    void drop_data() { addShapes(); }
-    void drop();
-
-private:
-    static void rubberBand(Scene& scene);
-    static void addShapes()
-    {
-        QTest::addColumn<Shape>("shape");
-        QTest::newRow("wide") << Shape::Wide;
-        QTest::newRow("deep") << Shape::Deep;
-        QTest::newRow("rows") << Shape::Rows;
-    }
-};
-
-Q_DECLARE_METATYPE(GestureModel::Shape)
-
-void BenchGestures::hover()
-{
-    QFETCH(Shape, shape);
-    Scene scene(shape, Zoom::ThirtyMinutes);
+    GestureScene scene(shape, Zoom::ThirtyMinutes);
+    scene.view.header()->setHoverVisible(false);
     std::vector<double> times;
     for (int x = 400; x < 1400; x += 7)
         times.push_back(scene.timed(QEvent::MouseMove, {x, scene.rowY(0)}, Qt::NoButton, Qt::NoButton));
-    report("hover move with edge detection", medianOf(times), 1);
+    state.counters["move_ms"] = Bench::medianOf(times);
 }
 
-void BenchGestures::drag()
+void drag(benchmark::State& state, Shape shape)
 {
-    QFETCH(Shape, shape);
-    Scene scene(shape, Zoom::ThirtyMinutes);
+    GestureScene scene(shape, Zoom::ThirtyMinutes);
     const Item& item = scene.visibleItem();
     const int middle = scene.view.toPixel(item.startTime() + item.duration() / 2);
     const int y = scene.rowY(0);
     scene.send(QEvent::MouseMove, {middle, y}, Qt::NoButton, Qt::NoButton);
-    // On the crowded track there is an edge everywhere.
-    scene.view.setCursor(Qt::ArrowCursor);
-    const double press = scene.timed(QEvent::MouseButtonPress, {middle, y}, Qt::LeftButton, Qt::LeftButton);
+    state.counters["press_ms"] = scene.timed(QEvent::MouseButtonPress, {middle, y}, Qt::LeftButton, Qt::LeftButton);
     std::vector<double> near;
     std::vector<double> far;
     for (int i = 0; i < 100; ++i) {
         near.push_back(scene.timed(QEvent::MouseMove, {middle + i % 4, y + 12 + i % 2}, Qt::NoButton, Qt::LeftButton));
         far.push_back(scene.timed(QEvent::MouseMove, {middle + 200 + i, y}, Qt::NoButton, Qt::LeftButton));
     }
-    QCOMPARE(scene.view.dragHandler()->dragItemIds().size(), 1);
-    const double snap = Scene::timed([&] { scene.view.dragHandler()->deltaTime(); });
-    const double release = scene.timed(QEvent::MouseButtonRelease, {middle + 299, y}, Qt::LeftButton, Qt::NoButton);
-    report("press on an item", press, 1);
-    report("move of a drag, within the tolerance", medianOf(near), 1);
-    report("move of a drag, farther", medianOf(far), 1);
-    report("offset for painting it", snap, 1);
-    report("release of a drag", release, 1);
+    if (scene.view.dragHandler()->dragItemIds().size() != 1)
+        state.SkipWithError("the item is not dragged");
+    state.counters["move_near_ms"] = Bench::medianOf(near);
+    state.counters["move_far_ms"] = Bench::medianOf(far);
+    state.counters["offset_ms"] =
+        Bench::millisecondsOf([&] { benchmark::DoNotOptimize(scene.view.dragHandler()->deltaTime()); });
+    state.counters["release_ms"] =
+        scene.timed(QEvent::MouseButtonRelease, {middle + 299, y}, Qt::LeftButton, Qt::NoButton);
 }
 
-void BenchGestures::resize()
+void resize(benchmark::State& state, Shape shape)
 {
-    QFETCH(Shape, shape);
-    Scene scene(shape, Zoom::ThirtyMinutes);
+    GestureScene scene(shape, Zoom::ThirtyMinutes);
     const Item& item = scene.visibleItem();
     const int end = scene.view.toPixel(item.startTime() + item.duration()) - 2;
     const int y = scene.rowY(0);
     scene.send(QEvent::MouseMove, {end, y}, Qt::NoButton, Qt::NoButton);
-    QCOMPARE(scene.view.cursor().shape(), Qt::SizeHorCursor);
-    const double press = scene.timed(QEvent::MouseButtonPress, {end, y}, Qt::LeftButton, Qt::LeftButton);
+    if (scene.view.cursor().shape() != Qt::SizeHorCursor)
+        state.SkipWithError("there is no edge to resize at");
+    state.counters["press_ms"] = scene.timed(QEvent::MouseButtonPress, {end, y}, Qt::LeftButton, Qt::LeftButton);
     std::vector<double> moves;
     for (int i = 0; i < 100; ++i)
         moves.push_back(scene.timed(QEvent::MouseMove, {end + i % 50, y}, Qt::NoButton, Qt::LeftButton));
-    const double release = scene.timed(QEvent::MouseButtonRelease, {end, y}, Qt::LeftButton, Qt::NoButton);
-    report("press on an edge", press, 1);
-    report("move of a resize", medianOf(moves), 1);
-    report("release of a resize", release, 1);
+    state.counters["move_ms"] = Bench::medianOf(moves);
+    state.counters["release_ms"] = scene.timed(QEvent::MouseButtonRelease, {end, y}, Qt::LeftButton, Qt::NoButton);
 }
 
-void BenchGestures::selection()
+void selectAll(benchmark::State& state, Shape shape)
 {
-    QFETCH(Shape, shape);
-    Scene scene(shape, Zoom::OneDay);
-    report("Control+A", scene.timedKey(Qt::Key_A, Qt::ControlModifier), 20);
-    QCOMPARE(scene.view.selectedItemIds().size(), million);
-    std::vector<double> times;
-    for (int i = 0; i < 100; ++i)
-        times.push_back(Scene::timed([&] { scene.view.unselectItem(million / 2 + i * 1000); }));
-    report("one of a million unselected", medianOf(times), 1);
-
-    rubberBand(scene);
+    GestureScene scene(shape, Zoom::OneDay);
+    state.counters["key_ms"] = scene.timedKey(Qt::Key_A, Qt::ControlModifier);
+    if (scene.view.selectedItemIds().size() != itemCount())
+        state.SkipWithError("not all are selected");
 }
 
-/// A handler that holds a rubber band as a press and a move leave it.
-class HeldSelectHandler : public TimelineViewSelectHandler
+// Over a day, which in twenty of two hundred rows holds a tenth of the items.
+void rubberBand(benchmark::State& state, Shape shape)
 {
-public:
-    using TimelineViewSelectHandler::TimelineViewSelectHandler;
-
-    void hold(const QRect& band)
-    {
-        m_rubberBand = band;
-        m_isRubberBandActive = true;
-    }
-};
-
-void BenchGestures::rubberBand(Scene& scene)
-{
-    scene.view.setCurrentTime(GestureModel::origin);
-    HeldSelectHandler handler(&scene.view);
-    scene.view.setSelectHandler(&handler);
-    const int left = scene.view.header()->sectionPosition(1);
-    const int right = scene.view.toPixel(GestureModel::origin + GestureModel::day);
-    const bool isCrowded = scene.model.trackIds().size() == 1;
-    handler.hold(QRect(left, 2, (right - left) / (isCrowded ? 10 : 1), scene.view.viewport()->height() - 4));
+    GestureScene scene(shape, Zoom::OneDay);
     scene.model.setEditable(false);
-    const QPoint to = handler.rubberBand().bottomRight();
-    const double time = scene.timed(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-    const QByteArray what = QByteArrayLiteral("rubber band over ") +
-                            QByteArray::number(static_cast<int>(scene.view.selectedItemIds().size())) +
-                            QByteArrayLiteral(" items");
-    report(what.constData(), time, 20);
-    scene.view.setSelectHandler(nullptr);
+    const QPoint from(scene.view.header()->sectionPosition(1) + 5, scene.rowY(0));
+    const QPoint to(scene.view.viewport()->width() - 20, scene.view.viewport()->height() - 3);
+    scene.send(QEvent::MouseMove, from, Qt::NoButton, Qt::NoButton);
+    scene.send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+    scene.send(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
+    state.counters["release_ms"] = scene.timed(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+    state.counters["items"] = static_cast<double>(scene.view.selectedItemIds().size());
 }
 
-void BenchGestures::bulkChanges()
+void changeMany(benchmark::State& state, Shape shape)
 {
-    QFETCH(Shape, shape);
-    Scene scene(shape, Zoom::ThirtyMinutes);
+    GestureScene scene(shape, Zoom::ThirtyMinutes);
     scene.model.setSnapEnabled(false);
     scene.selectBulk();
-    report("press on one of 100,000 selected items", Scene::timed([&] {
-               const int middle = scene.view.toPixel(scene.visibleItem().startTime() + 9000);
-               scene.send(QEvent::MouseButtonPress, {middle, scene.rowY(0)}, Qt::LeftButton, Qt::LeftButton);
-               scene.send(QEvent::MouseButtonRelease, {middle, scene.rowY(0)}, Qt::LeftButton, Qt::NoButton);
-           }),
-           300);
+    state.counters["nudge_ms"] = scene.timedKey(Qt::Key_Right);
+    state.counters["copy_ms"] = scene.timedKey(Qt::Key_C, Qt::ControlModifier);
+    state.counters["cut_ms"] = scene.timedKey(Qt::Key_X, Qt::ControlModifier);
+    state.counters["paste_ms"] = scene.timedKey(Qt::Key_V, Qt::ControlModifier);
     scene.selectBulk();
-    report("nudge of 100,000", scene.timedKey(Qt::Key_Right), 300);
-    report("copy of 100,000", scene.timedKey(Qt::Key_C, Qt::ControlModifier), 300);
-    report("cut of 100,000", scene.timedKey(Qt::Key_X, Qt::ControlModifier), 300);
-    report("paste of 100,000", scene.timedKey(Qt::Key_V, Qt::ControlModifier), 300);
-    scene.selectBulk();
-    report("delete of 100,000", scene.timedKey(Qt::Key_Delete), 300);
+    state.counters["delete_ms"] = scene.timedKey(Qt::Key_Delete);
 }
 
 /// A handler that holds a gesture as a press and a move leave it.
@@ -286,53 +183,62 @@ public:
     }
 };
 
-void BenchGestures::drop()
+void drop(benchmark::State& state, Shape shape)
 {
-    QFETCH(Shape, shape);
-    if (shape == Shape::Deep)
-        QSKIP("there is no other track");
-    Scene scene(shape, Zoom::ThirtyMinutes);
+    GestureScene scene(shape, Zoom::ThirtyMinutes);
     scene.model.setSnapEnabled(false);
     scene.selectBulk();
-    // The row below the last of them makes room; the others do by moving, too.
-    const Track& last = *scene.model.track(scene.model.item(scene.view.selectedItemIds().last())->parentTrackId());
-    for (const int id : scene.model.track(last.id() + 1)->itemIds(false, false))
-        scene.model.removeItem(id);
     HeldDragHandler handler(&scene.view);
     scene.view.setDragHandler(&handler);
+    const QModelIndex row = scene.view.indexOfTrackRow(scene.model.trackIds().front(), 1);
     const QPoint from(600, scene.rowY(0));
-    const QPoint to = from + QPoint(1, scene.view.visualRect(scene.view.indexOfTrackRow(2, 1)).height());
-    handler.hold(scene.view.selectedItemIds(), scene.view.indexOfTrackRow(scene.model.trackIds().front(), 1), from,
-                 scene.view.toTime(from.x()));
+    const QPoint to = from + QPoint(1, scene.view.visualRect(row).height());
+    handler.hold(scene.view.selectedItemIds(), row, from, scene.view.toTime(from.x()));
 
-    auto* const drag = new QDrag(&scene.view);
+    // Only while the platform drags does the view take a drop for its own.
     auto* const marker = new QMimeData;
     marker->setData(Item::mimetype, {});
+    auto* const drag = new QDrag(&scene.view);
     drag->setMimeData(marker);
-    double moving = 0;
-    double dropping = 0;
     QTimer::singleShot(0, &scene.view, [&] {
         QDragMoveEvent move(to, Qt::MoveAction, marker, Qt::LeftButton, Qt::NoModifier);
-        moving = Scene::timed([&] { handler.dragMoveEvent(&move); });
         QDropEvent event(to, Qt::MoveAction, marker, Qt::LeftButton, Qt::NoModifier);
-        dropping = Scene::timed([&] { handler.dropEvent(&event); });
+        const auto send = [&](QEvent* sent) {
+            return Bench::millisecondsOf([&] { QCoreApplication::sendEvent(scene.view.viewport(), sent); });
+        };
+        state.counters["move_ms"] = send(&move);
+        state.counters["drop_ms"] = send(&event);
         QDrag::cancel();
     });
     drag->exec(Qt::MoveAction);
     scene.view.setDragHandler(nullptr);
-    QVERIFY(scene.model.track(last.id() + 1)->hasItems());
-    report("drag move of 100,000 over another track", moving, 300);
-    report("drop of 100,000", dropping, 300);
 }
 
-int main(int argc, char** argv)
+using Scenario = void (*)(benchmark::State&, Shape);
+
+void addScenario(const std::string& name, Shape shape, Scenario scenario)
 {
-    // Of the platforms without a screen the one that has drag and drop.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "minimal");
-    QApplication application(argc, argv);
-    BenchGestures benchmark;
-    return QTest::qExec(&benchmark, argc, argv);
+    const auto run = [=](benchmark::State& state) {
+        Scene::forget();
+        for ([[maybe_unused]] const auto iteration : state)
+            state.SetIterationTime(Bench::millisecondsOf([&] { scenario(state, shape); }) / 1000);
+    };
+    Bench::add("gesture/" + name + "/" + nameOf(Description{shape, itemCount()}), run, 1);
 }
 
-#include "bench_gestures.moc"
+} // namespace
+
+void Bench::registerBenchmarks()
+{
+    for (const Shape shape : {Shape::Wide, Shape::Deep, Shape::Nested}) {
+        addScenario("hover", shape, hover);
+        addScenario("drag", shape, drag);
+        addScenario("resize", shape, resize);
+        addScenario("select_all", shape, selectAll);
+        addScenario("rubber_band", shape, rubberBand);
+        addScenario("change_many", shape, changeMany);
+        // One track has no other to drop on.
+        if (shape != Shape::Deep)
+            addScenario("drop", shape, drop);
+    }
+}
