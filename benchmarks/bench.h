@@ -18,6 +18,10 @@ bool isFull();
 /// Numbers of items that measurements are taken with: from a thousand to a million in full, else two of them.
 std::vector<int> itemCounts();
 
+/// Calls a function after the last benchmark, as long as there is still an application: what has been kept from one
+/// benchmark to the next goes then.
+void atEnd(const std::function<void()>& action);
+
 /// Milliseconds that an action takes, by the clock.
 double millisecondsOf(const std::function<void()>& action);
 

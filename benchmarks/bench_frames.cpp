@@ -33,7 +33,7 @@ class References
 public:
     static References& of(const Scene& scene)
     {
-        static std::unique_ptr<References> kept;
+        std::unique_ptr<References>& kept = References::kept();
         if (!kept || !(kept->m_description == scene.description)) {
             kept.reset();
             kept = std::make_unique<References>(scene);
@@ -49,6 +49,12 @@ public:
         m_r.show();
         m_s.show();
         Scene::settle();
+    }
+
+    static std::unique_ptr<References>& kept()
+    {
+        static std::unique_ptr<References> references;
+        return references;
     }
 
     void show(qint64 start, qint64 span)
@@ -163,6 +169,7 @@ void addGestures(const Description& description)
 void Bench::registerBenchmarks()
 {
     const int million = 1'000'000;
+    atEnd([] { References::kept().reset(); });
     for (const int count : itemCounts()) {
         for (const Shape shape : {Shape::Wide, Shape::Deep, Shape::Outside})
             addPans({shape, count});

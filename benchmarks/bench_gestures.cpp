@@ -8,6 +8,7 @@
 #include <VeskTimeline/item_delegate.h>
 #include <VeskTimeline/timeline_view_drag_handler.h>
 
+#include <QCoreApplication>
 #include <QDrag>
 #include <QDropEvent>
 #include <QMimeData>
@@ -42,11 +43,15 @@ struct GestureScene : Scene
         model.setSnapEnabled(true);
     }
 
-    /// An item whose start and end are in the window and the only thing at its end; on a busy track the one just there.
+    /// An item of the first track in the second half of the window; on a busy track the one that is on top there.
     const Item& visibleItem() const
     {
+        constexpr qint64 second = 1'000;
         const Track* const first = std::as_const(model).track(model.trackIds().front());
-        return *first->itemAt(view.currentTime() + view.zoomFactor() / 2);
+        qint64 time = view.currentTime() + view.zoomFactor() / 2;
+        while (!first->isItemsBetween(time, time + 1, -1, true, false, false))
+            time += second;
+        return *first->itemAt(time);
     }
     int rowY(std::size_t row) const
     {
@@ -125,8 +130,10 @@ void resize(benchmark::State& state, Shape shape)
     if (scene.view.cursor().shape() != Qt::SizeHorCursor)
         state.SkipWithError("there is no edge to resize at");
     state.counters["press_ms"] = scene.timed(QEvent::MouseButtonPress, {end, y}, Qt::LeftButton, Qt::LeftButton);
+    constexpr std::size_t moveCount = 100;
     std::vector<double> moves;
-    for (int i = 0; i < 100; ++i)
+    moves.reserve(moveCount);
+    for (int i = 0; i < int(moveCount); ++i)
         moves.push_back(scene.timed(QEvent::MouseMove, {end + i % 50, y}, Qt::NoButton, Qt::LeftButton));
     state.counters["move_ms"] = Bench::medianOf(moves);
     state.counters["release_ms"] = scene.timed(QEvent::MouseButtonRelease, {end, y}, Qt::LeftButton, Qt::NoButton);

@@ -10,6 +10,7 @@ namespace Bench {
 namespace {
 
 bool s_isFull = false;
+std::vector<std::function<void()>> s_actionsAtEnd;
 
 } // namespace
 
@@ -21,6 +22,11 @@ bool isFull()
 std::vector<int> itemCounts()
 {
     return s_isFull ? std::vector<int>{1'000, 10'000, 100'000, 1'000'000} : std::vector<int>{10'000, 100'000};
+}
+
+void atEnd(const std::function<void()>& action)
+{
+    s_actionsAtEnd.push_back(action);
 }
 
 double millisecondsOf(const std::function<void()>& action)
@@ -77,4 +83,6 @@ int main(int argc, char** argv)
     Bench::registerBenchmarks();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
+    for (const std::function<void()>& action : Bench::s_actionsAtEnd)
+        action();
 }

@@ -1,5 +1,7 @@
 #include "workloads.h"
 
+#include "bench.h"
+
 #include <VeskTimeline/item_delegate.h>
 
 #include <QApplication>
@@ -133,6 +135,11 @@ Scene::Scene(const Description& wanted) : model(wanted), description(wanted)
 std::unique_ptr<Scene>& Scene::kept()
 {
     static std::unique_ptr<Scene> scene;
+    static const bool isToBeForgotten = [] {
+        Bench::atEnd(forget);
+        return true;
+    }();
+    Q_UNUSED(isToBeForgotten)
     return scene;
 }
 
