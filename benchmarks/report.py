@@ -47,11 +47,11 @@ def markdown_table(rows):
     return "\n".join(lines)
 
 
-def machine_of(m):
-    """One line about the machine, and a second one when it had other work to do."""
+def machine_of(m, extent):
+    """One line about the run, and a second one when the machine had other work to do."""
     context = m.context
     load = context["load_avg"][0]
-    lines = [f"{context['num_cpus']} cores of {context['mhz_per_cpu']} MHz, {context['date'][:10]}, "
+    lines = [f"A {extent} run on {context['num_cpus']} cores of {context['mhz_per_cpu']} MHz, {context['date'][:10]}, "
              f"load {load:.1f} when a program began."]
     # The benchmarks' own is about 1.
     if load > 1.5:
@@ -59,11 +59,11 @@ def machine_of(m):
     return lines
 
 
-def write_docs(file, m, all_figures):
+def write_docs(file, m, all_figures, extent):
     text = file.read_text(encoding="utf-8")
     before, rest = text.split(BEGIN)
     after = rest.split(END)[1]
-    measured = " ".join(machine_of(m)) + "\n\n" + markdown_table(rows_of(all_figures)) + "\n"
+    measured = " ".join(machine_of(m, extent)) + "\n\n" + markdown_table(rows_of(all_figures)) + "\n"
     file.write_text(before + BEGIN + "\n" + measured + "\n" + END + after, encoding="utf-8")
     picture.write(m, file.parent / "images" / "frame-times.svg")
 
@@ -93,9 +93,9 @@ def main():
     m = Measurements(files)
     all_figures = figures.all_figures(m, is_full)
     print(plain_table(rows_of(all_figures)))
-    print("\n" + "\n".join(machine_of(m)))
+    print("\n" + "\n".join(machine_of(m, arguments.extent)))
     if arguments.docs:
-        write_docs(arguments.docs, m, all_figures)
+        write_docs(arguments.docs, m, all_figures, arguments.extent)
 
     found = failures(m, all_figures, is_full)
     for failure in found:
