@@ -147,17 +147,24 @@ void selectAll(benchmark::State& state, Shape shape)
         state.SkipWithError("not all are selected");
 }
 
-// Over a day, which in twenty of two hundred rows holds a tenth of the items.
+// Over nearly a day, which in twenty of two hundred rows holds a tenth of the items. It begins in the hour before them:
+// a press on an item would begin something else.
 void rubberBand(benchmark::State& state, Shape shape)
 {
     GestureScene scene(shape, Zoom::OneDay);
     scene.model.setEditable(false);
+    constexpr int hour = 3'600'000;
+    scene.view.setRange(origin - hour, origin + day);
+    scene.view.setCurrentTime(origin - hour);
+    Scene::settle();
     const QPoint from(scene.view.header()->sectionPosition(1) + 5, scene.rowY(0));
     const QPoint to(scene.view.viewport()->width() - 20, scene.view.viewport()->height() - 3);
     scene.send(QEvent::MouseMove, from, Qt::NoButton, Qt::NoButton);
     scene.send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
     scene.send(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
     state.counters["release_ms"] = scene.timed(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+    if (scene.view.selectedItemIds().isEmpty())
+        state.SkipWithError("there was no rubber band");
     state.counters["items"] = static_cast<double>(scene.view.selectedItemIds().size());
 }
 
