@@ -70,7 +70,7 @@ private Q_SLOTS:
     void withoutAUserNoDialogWaits()
     {
         const QString missing = m_dir->filePath("missing.csv");
-        const Run result = run({"--show-refusals", missing});
+        const WorkbenchRun result = runWorkbench({"--show-refusals", missing}, Platform::Offscreen);
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors, missing + ": No such file or directory\n");
     }
