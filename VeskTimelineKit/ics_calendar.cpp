@@ -102,8 +102,8 @@ void IcsCalendarParser::closeDownTo(std::size_t depth)
 void IcsCalendarParser::closeInnermost()
 {
     if (isInEvent()) {
-        if (auto event = parseIcsEvent(m_eventLines, m_open.back().line, m_warnings))
-            calendar().events.push_back(std::move(*event));
+        if (const auto event = parseIcsEvent(m_eventLines, m_open.back().line, m_warnings))
+            calendar().events.push_back(m_packer.pack(*event));
     } else if (isInZone()) {
         m_zoneLines.append("END:" + m_open.back().name);
         const QString reason = m_open.size() == 2 ? calendar().zones.add(m_zoneLines, m_zoneChangesLeft) : QString();

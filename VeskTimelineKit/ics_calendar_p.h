@@ -2,7 +2,7 @@
 
 // Internal to the kit; not installed.
 
-#include "ics_event_p.h"
+#include "ics_packed_event_p.h"
 #include "ics_zones_p.h"
 
 #include <map>
@@ -25,7 +25,7 @@ struct IcsCalendar
     bool hasTrack = true; ///< false for the calendar that stands for a document without tracks
     QColor color;
     std::vector<IcsTrack> tracks;
-    std::vector<IcsEvent> events;
+    std::vector<IcsPackedEvent> events;
     IcsZones zones;
 };
 
@@ -40,7 +40,7 @@ public:
     /// To be called at the end of the stream. What is left open there is cut off.
     void finish();
 
-    /// Shared: events outlive the parser and need their calendar's zones.
+    /// Their events last as long as the parser.
     const std::vector<std::unique_ptr<IcsCalendar>>& calendars() const { return m_calendars; }
 
 private:
@@ -75,6 +75,7 @@ private:
     WarningList& m_warnings;
     std::vector<std::unique_ptr<IcsCalendar>> m_calendars;
     std::vector<Component> m_open;
+    IcsEventPacker m_packer;
     std::vector<IcsLine> m_eventLines;
     QByteArrayList m_zoneLines;
     std::map<QByteArray, Skipped> m_skippedComponents;

@@ -28,7 +28,7 @@ private:
     void takeDescription(const IcsLine& line);
     void takeUid(const IcsLine& line);
     void takeOriginalUid(const IcsLine& line);
-    void takeCategories(const IcsLine& line) { m_event.categories += splitIcsList(line.value); }
+    void takeCategories(const IcsLine& line) { m_categories += splitIcsList(line.value); }
     void takeColor(const IcsLine& line);
     void takeExactColor(const IcsLine& line);
     void takeStart(const IcsLine& line);
@@ -58,6 +58,7 @@ private:
     IcsAttributes m_attributes;
     QHash<QByteArray, int> m_counts; ///< of properties that can be there once, by name
     QByteArrayList m_generated;
+    QStringList m_categories;
     bool m_hasStart = false;
     bool m_hasExactColor = false;
     bool m_hasOriginalUid = false;
@@ -307,9 +308,11 @@ void EventParser::takeExactDuration(const IcsLine& line)
 // The first category is told by the track.
 void EventParser::keepCategories()
 {
-    const bool isTold = m_event.path.isEmpty() ? m_event.categories.size() < 2 : m_event.categories.isEmpty();
+    const bool isTold = m_event.path.isEmpty() ? m_categories.size() < 2 : m_categories.isEmpty();
     if (!isTold)
-        m_attributes.add(QStringLiteral("CATEGORIES"), QString::fromUtf8(joinIcsList(m_event.categories)));
+        m_attributes.add(QStringLiteral("CATEGORIES"), QString::fromUtf8(joinIcsList(m_categories)));
+    if (!m_categories.isEmpty())
+        m_event.category = m_categories.first();
 }
 
 std::optional<IcsEvent> EventParser::finish()

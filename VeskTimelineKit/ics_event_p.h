@@ -19,24 +19,29 @@ struct IcsRecurrenceDate
     std::optional<IcsDuration> duration; ///< of a period with a duration
 };
 
-/// A VEVENT: an item whose times still have to be told from clocks, and when it recurs.
-struct IcsEvent
+/// What a VEVENT says of its times other than by rules.
+struct IcsEventTimes
 {
     int line = 0;
-    DocumentItem item; ///< start and duration are not set
-    QByteArray uid;
-    QStringList categories;
-    QStringList path; ///< when the event itself names its track; empty otherwise
     IcsTime start;
     std::optional<IcsTime> end;
     std::optional<IcsDuration> duration;
+    std::vector<IcsRecurrenceDate> dates;
+    std::optional<IcsTime> recurrenceId;
+    QByteArray uid; ///< of what is neither a series nor part of one it may be left out
+};
+
+/// A VEVENT: an item whose times still have to be told from clocks, and when it recurs.
+struct IcsEvent : IcsEventTimes
+{
+    DocumentItem item;                ///< start and duration are not set
+    QString category;                 ///< the first; empty for none
+    QStringList path;                 ///< when the event itself names its track; empty otherwise
     std::optional<qint64> exactStart; ///< in milliseconds, when it is no whole second
     std::optional<qint64> exactDuration;
     bool isOpenEnded = false;
     QByteArrayList rules; ///< values of RRULE that can be read
-    std::vector<IcsRecurrenceDate> dates;
     std::vector<IcsTime> exceptions;
-    std::optional<IcsTime> recurrenceId;
 
     bool isRecurring() const { return !rules.isEmpty() || !dates.empty(); }
 };

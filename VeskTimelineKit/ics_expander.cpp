@@ -52,7 +52,7 @@ void IcsExceptions::add(const IcsTime& exception, const IcsTime& series, const I
         instants.insert(zones.toUtc(exception));
 }
 
-qint64 icsDurationAt(const IcsEvent& event, const IcsTime& start, const IcsZones& zones)
+qint64 icsDurationAt(const IcsEventTimes& event, const IcsTime& start, const IcsZones& zones)
 {
     if (event.end)
         return zones.toUtc(*event.end) - zones.toUtc(event.start);

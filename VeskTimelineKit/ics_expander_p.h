@@ -28,7 +28,7 @@ struct IcsExceptions
 };
 
 /// How long an event lasts that starts at another time than it says.
-qint64 icsDurationAt(const IcsEvent& event, const IcsTime& start, const IcsZones& zones);
+qint64 icsDurationAt(const IcsEventTimes& event, const IcsTime& start, const IcsZones& zones);
 
 /// Makes the occurrences of recurring events, up to a number and an effort for all of them together.
 class IcsExpander

@@ -34,17 +34,28 @@ public:
 
 private:
     /// Of a series: the calendar's name, as calendars of one name are one, and the UID.
-    using SeriesKey = std::pair<QString, QByteArray>;
+    using SeriesKey = std::pair<const QString&, const QByteArray&>;
+
+    /// An event that stands for an occurrence of a series.
+    struct Replacement
+    {
+        const IcsCalendar* calendar;
+        QByteArray uid; ///< refers to the event
+        IcsPackedEvent event;
+
+        SeriesKey series() const { return {calendar->name, uid}; }
+    };
 
     void nameCalendars();
-    void noteZones();
-    void noteDates();
-    void noteDates(const IcsEvent& event, const IcsZones& zones);
+    void noteEvents();
+    void noteZone(const IcsEventTimes& event, const IcsZones& zones, QSet<QByteArray>& unknown);
+    void noteDates(const IcsEventTimes& event, const IcsZones& zones);
     void noteTime(qint64 start, qint64 end);
     TimeSpan span() const;
     void addTracks(const IcsCalendar& calendar);
     void addEvent(IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander);
     void addSingle(IcsEvent& event, const IcsCalendar& calendar);
+    void addReplaced(const IcsEvent& event, const IcsCalendar& calendar, IcsExceptions& exceptions);
     void addSeries(const IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander);
     void noteCuts(const IcsEvent& event, const IcsExpander::Cuts& cuts);
     DocumentTrack* trackOf(const IcsEvent& event, const IcsCalendar& calendar);
@@ -55,8 +66,11 @@ private:
     WarningList& m_warnings;
     ReadProgress& m_progress;
     Document m_document;
-    QHash<SeriesKey, std::vector<const IcsEvent*>> m_replacements;
+    IcsEventUnpacker m_unpacker;
+    std::vector<Replacement> m_replacements; ///< sorted by series
     std::optional<TimeSpan> m_dates;
+    int m_floating = 0; ///< events without a zone
+    int m_firstFloating = 0;
     int m_tracksLeftOut = 0;
     int m_itemsLeftOut = 0;
 };
@@ -64,13 +78,13 @@ private:
 Document IcsDocumentBuilder::build()
 {
     nameCalendars();
-    noteZones();
-    noteDates();
+    noteEvents();
     IcsExpander expander(span());
     std::size_t done = 0;
     for (const auto& calendar : m_calendars) {
         addTracks(*calendar);
-        for (IcsEvent& event : calendar->events) {
+        for (const IcsPackedEvent packed : calendar->events) {
+            IcsEvent event = m_unpacker.event(packed);
             addEvent(event, *calendar, expander);
             m_progress.reportSometimes(shareOfReading);
         }
@@ -104,42 +118,41 @@ void IcsDocumentBuilder::nameCalendars()
     }
 }
 
-// Says which times are told without a clock that is known.
-void IcsDocumentBuilder::noteZones()
+// What has to be known of all events before the first of them becomes an item.
+void IcsDocumentBuilder::noteEvents()
 {
-    int floating = 0;
-    int firstFloating = 0;
     for (const auto& calendar : m_calendars) {
         QSet<QByteArray> unknown;
-        for (const IcsEvent& event : calendar->events) {
-            const IcsTime& start = event.start;
-            if (!start.isDate && !start.isUtc && start.zone.isEmpty() && ++floating == 1)
-                firstFloating = event.line;
-            if (start.zone.isEmpty() || unknown.contains(start.zone) || calendar->zones.knows(start.zone))
-                continue;
-            unknown.insert(start.zone);
-            m_warnings.add(
-                event.line,
-                Tr::tr("the time zone %1 is not known; its times are taken as UTC").arg(quotedIcs(start.zone)));
-        }
-    }
-    if (floating > 0)
-        m_warnings.add(firstFloating, Tr::tr("events without a time zone are taken as UTC: %1").arg(floating));
-}
-
-void IcsDocumentBuilder::noteDates()
-{
-    for (const auto& calendar : m_calendars) {
-        for (const IcsEvent& event : calendar->events) {
+        for (const IcsPackedEvent packed : calendar->events) {
+            const IcsEventTimes event = m_unpacker.times(packed);
+            noteZone(event, calendar->zones, unknown);
             noteDates(event, calendar->zones);
-            if (event.recurrenceId)
-                m_replacements[{calendar->name, event.uid}].push_back(&event);
+            if (event.recurrenceId && !event.uid.isEmpty())
+                m_replacements.push_back({calendar.get(), event.uid, packed});
             m_progress.reportSometimes(shareOfReading);
         }
     }
+    std::sort(m_replacements.begin(), m_replacements.end(),
+              [](const Replacement& a, const Replacement& b) { return a.series() < b.series(); });
+    if (m_floating > 0)
+        m_warnings.add(m_firstFloating, Tr::tr("events without a time zone are taken as UTC: %1").arg(m_floating));
 }
 
-void IcsDocumentBuilder::noteDates(const IcsEvent& event, const IcsZones& zones)
+// Says which times are told without a clock that is known.
+void IcsDocumentBuilder::noteZone(const IcsEventTimes& event, const IcsZones& zones, QSet<QByteArray>& unknown)
+{
+    const IcsTime& start = event.start;
+    if (!start.isDate && !start.isUtc && start.zone.isEmpty() && ++m_floating == 1)
+        m_firstFloating = event.line;
+    if (start.zone.isEmpty() || unknown.contains(start.zone) || zones.knows(start.zone))
+        return;
+    unknown.insert(start.zone);
+    m_warnings.addMade(event.line, [&start] {
+        return Tr::tr("the time zone %1 is not known; its times are taken as UTC").arg(quotedIcs(start.zone));
+    });
+}
+
+void IcsDocumentBuilder::noteDates(const IcsEventTimes& event, const IcsZones& zones)
 {
     const qint64 start = zones.toUtc(event.start);
     noteTime(start, start + std::max<qint64>(0, icsDurationAt(event, event.start, zones)));
@@ -193,8 +206,8 @@ DocumentTrack* IcsDocumentBuilder::trackOf(const IcsEvent& event, const IcsCalen
     QStringList path = event.path;
     if (path.isEmpty())
         path.append(calendar.name);
-    if (event.path.isEmpty() && !event.categories.isEmpty())
-        path.append(event.categories.first());
+    if (event.path.isEmpty() && !event.category.isEmpty())
+        path.append(event.category);
     return m_document.trackWithinLimit(path);
 }
 
@@ -240,15 +253,24 @@ void IcsDocumentBuilder::addSingle(IcsEvent& event, const IcsCalendar& calendar)
         ++m_itemsLeftOut;
 }
 
+// Other events stand for these occurrences.
+void IcsDocumentBuilder::addReplaced(const IcsEvent& event, const IcsCalendar& calendar, IcsExceptions& exceptions)
+{
+    const Replacement series{&calendar, event.uid, IcsPackedEvent(nullptr)};
+    const auto [begin, end] =
+        std::equal_range(m_replacements.begin(), m_replacements.end(), series,
+                         [](const Replacement& a, const Replacement& b) { return a.series() < b.series(); });
+    for (auto replacement = begin; replacement != end; ++replacement)
+        exceptions.add(*m_unpacker.times(replacement->event).recurrenceId, event.start, calendar.zones);
+}
+
 void IcsDocumentBuilder::addSeries(const IcsEvent& event, const IcsCalendar& calendar, IcsExpander& expander)
 {
     IcsExceptions exceptions;
     for (const IcsTime& exception : event.exceptions)
         exceptions.add(exception, event.start, calendar.zones);
-    if (!event.uid.isEmpty()) {
-        for (const IcsEvent* replacement : m_replacements.value({calendar.name, event.uid}))
-            exceptions.add(*replacement->recurrenceId, event.start, calendar.zones);
-    }
+    if (!event.uid.isEmpty())
+        addReplaced(event, calendar, exceptions);
     const std::vector<IcsOccurrence> occurrences = expander.expand(event, calendar.zones, exceptions, m_progress);
     noteCuts(event, expander.cuts());
     DocumentTrack* const track = trackOf(event, calendar);

@@ -1,4 +1,5 @@
 #include "bounded_line_p.h"
+#include "byte_packing_p.h"
 #include "kit_tr_p.h"
 #include "lane_packer_p.h"
 #include "quoted_text_p.h"
@@ -15,7 +16,6 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
-#include <tuple>
 
 namespace VeskTimeline::Kit {
 
@@ -28,15 +28,41 @@ constexpr int firstVersionWithHashes = 5;
 constexpr qint64 longestLine = 4 * 1024 * 1024;
 constexpr int mostLanes = 10'000;
 
-/// A step of a build; its times are in milliseconds since the build's start.
+/// A line of the log: an output of a step. A log may have a million, and as values the texts of each would take several
+/// times as much as they are long.
 struct BuildStep
 {
-    qint64 start = 0;
-    qint64 end = 0;
-    QByteArray command;
-    QString modified;
-    QStringList outputs;
+    int start = 0; ///< milliseconds since the build's start, as the end
+    int end = 0;
+    const char* texts = nullptr; ///< packed: the output as a text, the command and the time of the file as bytes
+
+    /// Of two steps the same bytes if they are the same output.
+    std::string_view packedOutput() const { return PackedBytes(texts).bytesOfText(); }
+    std::string_view command() const
+    {
+        PackedBytes bytes(texts);
+        static_cast<void>(bytes.bytesOfText());
+        return bytes.bytes();
+    }
 };
+
+bool isEarlier(const BuildStep& a, const BuildStep& b)
+{
+    if (a.start != b.start)
+        return a.start < b.start;
+    return a.end != b.end ? a.end > b.end : a.command() < b.command();
+}
+
+/// Whether they are outputs of one step.
+bool isSameStep(const BuildStep& a, const BuildStep& b)
+{
+    return a.start == b.start && a.end == b.end && a.command() == b.command();
+}
+
+QByteArrayView bytesView(std::string_view bytes)
+{
+    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
+}
 
 /// Makes a document of the lines of a log.
 class NinjaDocumentBuilder
@@ -53,17 +79,22 @@ public:
 
 private:
     using Build = std::vector<BuildStep>;
+    using Outputs = QSet<QByteArrayView>;
 
-    BuildStep stepOf(const QByteArray& line) const;
+    BuildStep stepOf(const QByteArray& line, int number);
+    BuildStep packed(int start, int end, const QList<QByteArray>& fields, int number);
     void joinUnorderedBuilds();
     void addBuild(Build build, const QStringList& parent, ReadProgress& progress);
-    static Build joined(Build build, ReadProgress& progress);
-    DocumentItem itemOf(BuildStep step) const;
+    static void sort(Build& build, ReadProgress& progress);
+    DocumentItem itemOf(Build::const_iterator step, Build::const_iterator end);
 
     int m_version = 0;
     std::vector<Build> m_builds;
     qint64 m_lastEnd = 0;
-    QSet<QString> m_outputsOfBuild; // the one being read
+    Outputs m_outputsOfBuild; // the one being read
+    ByteArena m_arena;
+    BytePacker m_packer;
+    SharedTexts m_texts;
     qint64 m_offset = 0;
     int m_tooMany = 0;
     int m_outside = 0;
@@ -90,7 +121,7 @@ void NinjaDocumentBuilder::readFirstLine(const QByteArray& line)
             Tr::tr("version %1 of the log is not known and is read like version %2").arg(m_version).arg(newestVersion));
 }
 
-BuildStep NinjaDocumentBuilder::stepOf(const QByteArray& line) const
+BuildStep NinjaDocumentBuilder::stepOf(const QByteArray& line, int number)
 {
     QList<QByteArray> fields = line.split('\t');
     // A command may hold tabs; a hash does not.
@@ -98,21 +129,29 @@ BuildStep NinjaDocumentBuilder::stepOf(const QByteArray& line) const
         fields = fields.mid(0, 4) << fields.mid(4).join('\t');
     if (fields.size() != 5)
         throw Tr::tr("the number of its fields is %1 instead of 5").arg(fields.size());
-    BuildStep step;
     bool isStart = false;
     bool isEnd = false;
-    step.start = fields.at(0).toInt(&isStart);
-    step.end = fields.at(1).toInt(&isEnd);
-    if (!isStart || !isEnd || step.start < 0)
+    const int start = fields.at(0).toInt(&isStart);
+    const int end = fields.at(1).toInt(&isEnd);
+    if (!isStart || !isEnd || start < 0)
         throw Tr::tr("its times are no numbers of milliseconds, or out of range");
-    if (step.end < step.start)
+    if (end < start)
         throw Tr::tr("its end is before its start");
     if (fields.at(3).isEmpty())
         throw Tr::tr("it names no output");
-    step.modified = QString::fromUtf8(fields.at(2));
-    step.outputs.append(QString::fromUtf8(fields.at(3)));
-    step.command = fields.at(4);
-    return step;
+    return packed(start, end, fields, number);
+}
+
+BuildStep NinjaDocumentBuilder::packed(int start, int end, const QList<QByteArray>& fields, int number)
+{
+    const QString output = QString::fromUtf8(fields.at(3));
+    if (output.contains(QChar::ReplacementCharacter))
+        m_warnings.add(number, Tr::tr("bytes that are not UTF-8 are replaced"));
+    m_packer.clear();
+    m_packer.putText(output);
+    m_packer.putBytes(fields.at(4));
+    m_packer.putBytes(fields.at(2));
+    return {start, end, m_arena.copy(m_packer.bytes()).data()};
 }
 
 void NinjaDocumentBuilder::readLine(const QByteArray& line, int number)
@@ -120,72 +159,68 @@ void NinjaDocumentBuilder::readLine(const QByteArray& line, int number)
     if (line.isEmpty() || line.startsWith('#'))
         return;
     try {
-        BuildStep step = stepOf(line);
-        if (step.outputs.first().contains(QChar::ReplacementCharacter))
-            m_warnings.add(number, Tr::tr("bytes that are not UTF-8 are replaced"));
+        const BuildStep step = stepOf(line, number);
+        const QByteArrayView output = bytesView(step.packedOutput());
         // Steps are logged as they end, and a build makes each output once.
-        if (m_builds.empty() || step.end < m_lastEnd || m_outputsOfBuild.contains(step.outputs.first())) {
+        if (m_builds.empty() || step.end < m_lastEnd || m_outputsOfBuild.contains(output)) {
             m_builds.emplace_back();
             m_outputsOfBuild.clear();
         }
         m_lastEnd = step.end;
-        m_outputsOfBuild.insert(step.outputs.first());
-        m_builds.back().push_back(std::move(step));
+        m_outputsOfBuild.insert(output);
+        m_builds.back().push_back(step);
     } catch (const QString& reason) {
         m_warnings.add(number, Tr::tr("the line is left out: %1").arg(reason));
     }
 }
 
-// Sorted by time, with the outputs of one step together.
-NinjaDocumentBuilder::Build NinjaDocumentBuilder::joined(Build build, ReadProgress& progress)
+// By time, with the outputs of one step together.
+void NinjaDocumentBuilder::sort(Build& build, ReadProgress& progress)
 {
     std::stable_sort(build.begin(), build.end(), [&progress](const BuildStep& a, const BuildStep& b) {
         progress.reportSometimes(0.5);
-        return std::tie(a.start, b.end, a.command) < std::tie(b.start, a.end, b.command);
+        return isEarlier(a, b);
     });
-    Build steps;
-    for (BuildStep& step : build) {
-        progress.reportSometimes(0.5);
-        const bool isSame = !steps.empty() && steps.back().start == step.start && steps.back().end == step.end &&
-                            steps.back().command == step.command;
-        if (isSame)
-            steps.back().outputs.append(step.outputs);
-        else
-            steps.push_back(std::move(step));
-    }
-    return steps;
 }
 
-DocumentItem NinjaDocumentBuilder::itemOf(BuildStep step) const
+/// @param step the first of the outputs of one step
+/// @param end behind the last of them
+DocumentItem NinjaDocumentBuilder::itemOf(Build::const_iterator step, Build::const_iterator end)
 {
     DocumentItem item;
-    item.label = step.outputs.first();
-    item.start = m_offset + step.start;
-    item.duration = step.end - step.start;
-    item.description = step.outputs.join(u'\n');
+    item.start = m_offset + step->start;
+    item.duration = step->end - step->start;
+    PackedBytes bytes(step->texts);
+    item.label = bytes.text(m_texts);
     item.attributes.insert(m_version < firstVersionWithHashes ? QStringLiteral("command")
                                                               : QStringLiteral("command hash"),
-                           QString::fromUtf8(step.command));
-    item.attributes.insert(QStringLiteral("modified"), step.modified);
+                           m_texts.shared(bytes.bytes()));
+    item.attributes.insert(QStringLiteral("modified"), m_texts.shared(bytes.bytes()));
+    item.description = item.label;
+    for (auto other = step + 1; other != end; ++other)
+        item.description += u'\n' + PackedBytes(other->texts).text(m_texts);
     return item;
 }
 
 void NinjaDocumentBuilder::addBuild(Build build, const QStringList& parent, ReadProgress& progress)
 {
+    sort(build, progress);
     LanePacker packer;
     std::vector<std::vector<DocumentItem>> lanes;
     qint64 buildEnd = 0;
-    for (BuildStep& step : joined(std::move(build), progress)) {
+    for (auto step = build.cbegin(), next = step; step != build.cend(); step = next) {
         progress.reportSometimes(0.5);
-        buildEnd = std::max(buildEnd, step.end);
-        const auto lane = static_cast<std::size_t>(packer.place(step.start, step.end));
+        next =
+            std::find_if_not(step, build.cend(), [step](const BuildStep& other) { return isSameStep(*step, other); });
+        buildEnd = std::max<qint64>(buildEnd, step->end);
+        const auto lane = static_cast<std::size_t>(packer.place(step->start, step->end));
         if (lane >= mostLanes || m_document.tracks().size() + lane >= Document::mostTracks) {
             ++m_tooMany;
-        } else if (!isWithinTimeLimits(m_offset + step.end)) {
+        } else if (!isWithinTimeLimits(m_offset + step->end)) {
             ++m_outside;
         } else {
             lanes.resize(std::max(lanes.size(), lane + 1));
-            lanes[lane].push_back(itemOf(std::move(step)));
+            lanes[lane].push_back(itemOf(step, next));
         }
     }
     for (std::size_t lane = 0; lane < lanes.size(); ++lane)
@@ -199,11 +234,11 @@ void NinjaDocumentBuilder::joinUnorderedBuilds()
     constexpr std::size_t fewestSteps = 20; // by which an order can be told from none
     constexpr std::size_t stepsOfBuild = 4; // on average; a log in order has more
     std::size_t count = 0;
-    QSet<QString> outputs;
+    Outputs outputs;
     for (const Build& build : m_builds) {
         for (const BuildStep& step : build) {
             ++count;
-            outputs.insert(step.outputs.first());
+            outputs.insert(bytesView(step.packedOutput()));
         }
     }
     const bool isInOrder = m_builds.size() < 2 || count < fewestSteps || m_builds.size() * stepsOfBuild < count;
@@ -217,6 +252,7 @@ void NinjaDocumentBuilder::joinUnorderedBuilds()
 
 Document NinjaDocumentBuilder::takeDocument(ReadProgress& progress)
 {
+    m_outputsOfBuild = {};
     joinUnorderedBuilds();
     if (m_builds.size() > 1)
         m_remarks.add(0, Tr::tr("the log is of %1 builds, which are shown one after the other").arg(m_builds.size()));
