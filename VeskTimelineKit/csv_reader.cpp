@@ -47,7 +47,8 @@ public:
           m_fileName(fileName),
           m_progress(progress),
           m_plan(makeCsvPlan(source, options.csv)),
-          m_warnings(fileName)
+          m_warnings(fileName),
+          m_ofRecords(fileName)
     {
     }
 
@@ -109,7 +110,7 @@ private:
         if (!entry)
             return;
         if (!entry->remark.isNull())
-            m_warnings.add(records.recordLine(), entry->remark);
+            m_ofRecords.add(records.recordLine(), entry->remark);
         DocumentTrack* const track = trackOf(entry->path);
         if (!track)
             ++m_beyondTracks;
@@ -134,14 +135,15 @@ private:
     {
         if (!m_firstFault && !m_plan.isOwnWay())
             m_firstFault = FileError{m_fileName, line, reason};
-        m_warnings.add(line, Tr::tr("the record is left out: %1").arg(reason));
+        m_ofRecords.add(line, Tr::tr("the record is left out: %1").arg(reason));
     }
 
     Document takeDocument(const CsvItemReader& items)
     {
-        const auto addCount = [this](const QString& text, int count) {
+        WarningList counts(m_fileName);
+        const auto addCount = [&counts](const QString& text, int count) {
             if (count > 0)
-                m_warnings.add(0, text.arg(count));
+                counts.add(0, text.arg(count));
         };
         addCount(Tr::tr("times cut to whole milliseconds: %1"), items.cutTimes());
         addCount(Tr::tr("times that the clocks left out when they were put forward, moved by as much: %1"),
@@ -153,6 +155,8 @@ private:
             overlapping += countOverlapping(track, m_progress);
         addCount(Tr::tr("items that overlap others of their track, and may hide them: %1"), overlapping);
         m_warnings.addTo(m_document);
+        m_ofRecords.addTo(m_document);
+        counts.addTo(m_document);
         return std::move(m_document);
     }
 
@@ -160,7 +164,8 @@ private:
     QString m_fileName;
     ReadProgress& m_progress;
     CsvPlan m_plan;
-    WarningList m_warnings;
+    WarningList m_warnings;  // of the file as a whole
+    WarningList m_ofRecords; // apart: a great many of them must hide no others
     Document m_document;
     QStringList m_lastPath;
     DocumentTrack* m_lastTrack = nullptr; // of that path; good as long as no other is made

@@ -374,6 +374,17 @@ private Q_SLOTS:
         QCOMPARE(result.value().warnings(), count > 0 ? QStringList{warning.arg(count)} : QStringList());
     }
 
+    void countsOfTheWholeFileAreToldAlsoBehindManyRecordsLeftOut()
+    {
+        const auto result = read(header + QByteArray("A,far,9999999999999999,\n").repeated(150) + "A,a,1,3\nA,b,2,4\n");
+        QVERIFY(result);
+        const QStringList& warnings = result.value().warnings();
+        QCOMPARE(warnings.size(), 102);
+        QVERIFY2(warnings.at(99).startsWith("f.csv:101: the record is left out"), qPrintable(warnings.at(99)));
+        QCOMPARE(warnings.at(100), "f.csv: further warnings: 50");
+        QCOMPARE(warnings.at(101), "f.csv: items that overlap others of their track, and may hide them: 1");
+    }
+
     void aHeaderAloneIsAnEmptyDocument()
     {
         const auto result = read(header);

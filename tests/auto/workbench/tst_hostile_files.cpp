@@ -17,12 +17,16 @@ namespace {
 
 // What a file may cost at most, whatever is in it. A build without optimisation is given three times as long, one with
 // sanitizers four times that, and memory is not held to a limit there, as most of it is theirs.
+// There are fewer parts in a file then, too: how they are kept is no other for a million.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr unsigned int mostSeconds = 120;
+constexpr int manyParts = 100000;
 #elif defined(__OPTIMIZE__)
 constexpr unsigned int mostSeconds = 10;
+constexpr int manyParts = 1000000;
 #else
 constexpr unsigned int mostSeconds = 30;
+constexpr int manyParts = 1000000;
 #endif
 // By a clock on the wall: a machine that is busy with other things takes several times as long.
 constexpr unsigned int longestWait = mostSeconds * 4;
@@ -97,15 +101,46 @@ private Q_SLOTS:
     void aMillionRecordsOfATrace()
     {
         QFETCH(QByteArray, record);
-        QFile file(m_dir.filePath("many.json"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[");
-        for (int i = 0; i < 1000000; ++i)
-            file.write(QByteArray(record).replace('#', QByteArray::number(i)) + ",\n");
-        file.write("{}]");
-        file.close();
-        check(file.fileName());
-        file.remove();
+        checkMillion("many.json", "[", record + ",\n", "{}]");
+    }
+
+    // Of each there is a multitude that the reader has to keep apart, or to keep until the end.
+    void aMillionPartsOfACalendar_data()
+    {
+        QTest::addColumn<QByteArray>("part");
+        const auto add = [](const char* name, const QByteArray& part) { QTest::newRow(name) << part; };
+        const auto event = [](const char* lines) {
+            return QByteArray("BEGIN:VEVENT\nDTSTART:20200101T000000Z\n") + lines + "END:VEVENT\n";
+        };
+        add("tiny events", event(""));
+        add("names", event("UID:#\nSUMMARY:event #\n"));
+        add("properties", event("X-A#:v#\n"));
+        add("recurrences", event("UID:#\nRRULE:FREQ=DAILY\n"));
+        add("replaced occurrences", event("UID:#\nRECURRENCE-ID:20200101T000000Z\n"));
+        add("categories", event("CATEGORIES:c#\n"));
+        add("tracks", event("X-VESKTIMELINE-TRACK:[\"a\"\\,\"b#\"]\n"));
+        add("calendars", "END:VCALENDAR\nBEGIN:VCALENDAR\nX-WR-CALNAME:c#\n" + event(""));
+        add("time zones of events", "BEGIN:VEVENT\nDTSTART;TZID=z#:20200101T000000\nEND:VEVENT\n");
+        add("time zones", "BEGIN:VTIMEZONE\nTZID:z#\nBEGIN:STANDARD\nDTSTART:20200101T000000\nTZOFFSETFROM:+0100\n"
+                          "TZOFFSETTO:+0100\nEND:STANDARD\nEND:VTIMEZONE\n");
+    }
+    void aMillionPartsOfACalendar()
+    {
+        QFETCH(QByteArray, part);
+        checkMillion("many.ics", "BEGIN:VCALENDAR\n", part, "END:VCALENDAR\n");
+    }
+
+    void aMillionStepsOfABuild_data()
+    {
+        QTest::addColumn<QByteArray>("step");
+        QTest::newRow("at once") << QByteArray("0\t1000\t2\t#\t#\n");
+        QTest::newRow("one after the other") << QByteArray("#0\t#9\t2\t#\t#\n");
+        QTest::newRow("outputs of one step") << QByteArray("0\t9\t2\to#\tabc\n");
+    }
+    void aMillionStepsOfABuild()
+    {
+        QFETCH(QByteArray, step);
+        checkMillion("many.ninja_log", "# ninja log v5\n", step, "");
     }
 
     void directoriesAndPipesAreNoFiles_data()
@@ -146,6 +181,20 @@ private:
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qFatal("cannot write %s", qPrintable(file.fileName()));
         return file.fileName();
+    }
+
+    // A file of as many of the same part, each with a number of its own.
+    void checkMillion(const QString& name, const QByteArray& begin, const QByteArray& part, const QByteArray& end)
+    {
+        QFile file(m_dir.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(begin);
+        for (int i = 0; i < manyParts; ++i)
+            file.write(QByteArray(part).replace('#', QByteArray::number(i)));
+        file.write(end);
+        file.close();
+        check(file.fileName());
+        file.remove();
     }
 
     // Ends with what is known of the file, or with one line that says why not.
