@@ -289,11 +289,12 @@ void IcsDocumentBuilder::addSeries(const IcsEvent& event, const IcsCalendar& cal
 
 void IcsDocumentBuilder::noteCuts(const IcsEvent& event, const IcsExpander::Cuts& cuts)
 {
-    const TimeSpan limits = span();
     if (cuts.isBeforeSpan)
-        m_warnings.add(event.line, Tr::tr("occurrences before %1 are left out").arg(formatTime(limits.start)));
+        m_warnings.addMade(
+            event.line, [this] { return Tr::tr("occurrences before %1 are left out").arg(formatTime(span().start)); });
     if (cuts.isAfterSpan)
-        m_warnings.add(event.line, Tr::tr("occurrences after %1 are left out").arg(formatTime(limits.end - 1)));
+        m_warnings.addMade(
+            event.line, [this] { return Tr::tr("occurrences after %1 are left out").arg(formatTime(span().end - 1)); });
     if (cuts.isByNumber)
         m_warnings.add(event.line,
                        Tr::tr("more than %1 occurrences; the rest are left out").arg(IcsExpander::mostOccurrences));

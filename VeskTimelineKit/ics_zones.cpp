@@ -90,8 +90,17 @@ void freeZone(icaltimezone* zone)
 }
 
 // Names such as "/example.org/20050126_1/Europe/Berlin" end in one of the well-known ones.
-QTimeZone wellKnownZone(QByteArray name)
+QTimeZone wellKnownZone(const QByteArray& id)
 {
+    // Longer than any of them. Of a text of millions of slashes each part would be looked for otherwise.
+    constexpr qsizetype longestName = 100;
+    QByteArray name = id;
+    if (name.size() > longestName) {
+        const qsizetype firstSlash = name.indexOf('/', name.size() - longestName - 1);
+        if (firstSlash < 0)
+            return {};
+        name = name.mid(firstSlash + 1);
+    }
     for (;;) {
         // A zone made of any word would be valid: it is taken for the name of one without an offset.
         if (QTimeZone::isTimeZoneIdAvailable(name))
@@ -130,6 +139,10 @@ qint64 IcsZones::Zone::offsetAt(qint64 utc) const
 
 QString IcsZones::add(const QByteArrayList& lines, qint64& changesLeft)
 {
+    // A line takes as much memory as a change of a clock, about.
+    const auto lineCount = static_cast<qint64>(lines.size());
+    if (lineCount > changesLeft)
+        return Tr::tr("the time zone is left out: those of the file are too long for clocks");
     ComponentPtr component = parseComponent(lines);
     if (!component || icalcomponent_isa(component.get()) != ICAL_VTIMEZONE_COMPONENT)
         return Tr::tr("the time zone cannot be read and is left out");
@@ -140,7 +153,7 @@ QString IcsZones::add(const QByteArrayList& lines, qint64& changesLeft)
     const auto changes = changesOf(component.get());
     if (!changes || *changes > changesLeft)
         return Tr::tr("the time zone %1 tells no clock that can be followed and is left out").arg(quotedIcs(zoneId));
-    changesLeft -= *changes;
+    changesLeft -= std::max(*changes, lineCount);
     const std::shared_ptr<icaltimezone> zone(icaltimezone_new(), freeZone);
     if (!icaltimezone_set_component(zone.get(), component.get()))
         return Tr::tr("the time zone cannot be read and is left out");
@@ -155,7 +168,12 @@ QString IcsZones::add(const QByteArrayList& lines, qint64& changesLeft)
 
 const IcsZones::Zone& IcsZones::zone(const QByteArray& zoneId) const
 {
+    // Several times as many as there are. To look for each takes a while.
+    constexpr qsizetype mostZones = 10'000;
+    static const Zone unknown;
     auto found = m_zones.find(zoneId);
+    if (found == m_zones.end() && m_zones.size() >= mostZones)
+        return unknown;
     if (found == m_zones.end())
         found = m_zones.insert(zoneId, {nullptr, wellKnownZone(zoneId)});
     return *found;

@@ -29,7 +29,8 @@ public:
 
     /// Takes the description over.
     /// @param lines of the VTIMEZONE, unfolded, BEGIN and END included
-    /// @param changesLeft how many changes of clocks the file may still tell; what the zone tells is taken off
+    /// @param changesLeft how many changes of clocks the file may still tell; what the zone tells, or the number of its
+    /// lines if there are more, is taken off
     /// @return why there is no zone in it, translated; empty on success
     QString add(const QByteArrayList& lines, qint64& changesLeft);
 

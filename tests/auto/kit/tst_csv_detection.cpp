@@ -1,6 +1,7 @@
 #include "csv_reading.h"
 
 #include <VeskTimelineKit/csv_reader.h>
+#include <VeskTimelineKit/warnings.h>
 
 #include <QScopeGuard>
 #include <QTest>
@@ -359,7 +360,8 @@ private Q_SLOTS:
                               "f: over the overlap 1603585800000+5400000", "f: said 1603589400000+1800000"}));
         QCOMPARE(warnings(result),
                  (QStringList{noTrack, "times that the clocks left out when they were put forward, moved by as much: 1",
-                              "times that the clocks showed twice, the first taken: 2"}));
+                              "times that the clocks showed twice, the first taken: 2",
+                              "items that overlap others of their track, and may hide them: 3"}));
     }
 
     void theZoneOfTheMachineDoesNotMatter()
@@ -492,8 +494,9 @@ private Q_SLOTS:
     {
         const auto result = read("begin,finish\n2020-01-01,\n" + QByteArray("soon,\n").repeated(1000));
         QVERIFY(result);
-        QCOMPARE(result.value().warnings().size(), WarningListSize);
-        QVERIFY(result.value().warnings().last().startsWith("f.csv: further warnings: "));
+        const QStringList& texts = result.value().warnings();
+        QCOMPARE(texts.filter(QRegularExpression("^f.csv:\\d")).size(), WarningList::mostKept);
+        QCOMPARE(texts.last(), "f.csv: further warnings: 900");
     }
 
     void manyColumnsAreRefused()
@@ -501,9 +504,6 @@ private Q_SLOTS:
         QCOMPARE(itemTexts(read("start,end" + QByteArray(",a").repeated(10'000) + "\n")),
                  QStringList{"f.csv:1: more than 10000 columns"});
     }
-
-private:
-    static constexpr int WarningListSize = 101;
 };
 
 QTEST_APPLESS_MAIN(TestCsvDetection)

@@ -342,7 +342,8 @@ private Q_SLOTS:
     {
         const auto result = read("track,label,start,end,note\nAa,first label,1,2,\xC3\xA4\xC3\xB6\nAa,b,3,4,"
                                  "\nC,,5,6,long note\nC,third,7,8\n");
-        QCOMPARE(itemTexts(result), (QStringList{"Aa: first label 1+1", "Aa: b 3+1", "C:  5+1", "C: third 7+1"}));
+        QCOMPARE(itemTexts(result),
+                 (QStringList{"Aa: first label 1+1 note=äö", "Aa: b 3+1", "C:  5+1 note=long note", "C: third 7+1"}));
         const auto attributes = [&result](std::size_t track, std::size_t item) {
             return result.value().tracks()[track].items[item].attributes;
         };

@@ -211,7 +211,9 @@ private Q_SLOTS:
                 qInfo("seed %u", seed);
                 return;
             }
-            QCOMPARE(result.value().warnings(), QStringList());
+            // Items of these documents lie anywhere.
+            for (const QString& warning : result.value().warnings())
+                QVERIFY2(warning.contains(": items that overlap others of their track"), qPrintable(warning));
         }
     }
 

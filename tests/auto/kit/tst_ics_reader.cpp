@@ -258,6 +258,38 @@ private Q_SLOTS:
                               "f.ics:7: events without a time zone are taken as UTC: 1"}));
     }
 
+    void aLongNameOfAZoneMayStillEndInAWellKnownOne()
+    {
+        const QByteArray id = QByteArray("a/").repeated(1000000) + "Europe/Berlin";
+        const auto result = read(vevent({"DTSTART;TZID=" + id + ":20200715T120000"}));
+        QCOMPARE(starts(result), QStringList{"2020-07-15 10:00"});
+        QCOMPARE(warnings(result), QStringList());
+    }
+
+    void aTimeZoneOfTooManyLinesIsLeftOut()
+    {
+        const QByteArrayList zone{"BEGIN:VTIMEZONE", "TZID:Much", QByteArray("X-A:B\r\n").repeated(300000) + "X-A:B",
+                                  "END:VTIMEZONE"};
+        const auto result = read(zone + berlin + vevent({"DTSTART;TZID=Here:20200715T120000"}));
+        QCOMPARE(starts(result), QStringList{"2020-07-15 10:00"});
+        QCOMPARE(warnings(result),
+                 QStringList{"f.ics:4: the time zone is left out: those of the file are too long for clocks"});
+    }
+
+    void textsAreKeptWhateverTheirCharacters()
+    {
+        const QString mark(QChar::ByteOrderMark);
+        const QString half = QChar(0xd83d) + QString("x"); // of a pair
+        const auto result = read(vevent({"DTSTART:20200101T000000Z", "SUMMARY:" + (mark + mark + "a").toUtf8(),
+                                         "DESCRIPTION:" + QStringLiteral("\u00e4\U0001f600").toUtf8(),
+                                         "X-VESKTIMELINE-ATTRIBUTE:[\"\\\\ud83dx\"\\,\"\\\\ufeffb\"]", "X-NONE:"}));
+        QVERIFY(result);
+        const DocumentItem& item = result.value().tracks().at(0).items.at(0);
+        QCOMPARE(item.label, mark + "a");
+        QCOMPARE(item.description, QStringLiteral("\u00e4\U0001f600"));
+        QCOMPARE(item.attributes, (QMap<QString, QString>{{half, mark + "b"}, {"X-NONE", ""}}));
+    }
+
     void zonesThatMakeNoSenseAreLeftOut()
     {
         const auto result = read({"BEGIN:VTIMEZONE", "X-A:B", "END:VTIMEZONE", "BEGIN:VTIMEZONE", "TZID:S",

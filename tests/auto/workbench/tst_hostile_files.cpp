@@ -311,6 +311,8 @@ void TestHostileFiles::addCalendars()
                                     "BEGIN:VEVENT\r\nUID:1\r\nDTSTART:99999999T999999Z\r\nDURATION:P999999999999W\r\n"
                                     "END:VEVENT\r\n" +
                                     icsFoot);
+    add("a zone of many slashes", icsHead + "BEGIN:VEVENT\r\nDTSTART;TZID=" + repeated("a/", 2000000) +
+                                      ":20200101T000000\r\nEND:VEVENT\r\n" + icsFoot);
     add("a large exception list", calendar("RRULE:FREQ=DAILY\r\n" + repeated("EXDATE:20200102T000000Z\r\n", 200000)));
 }
 
