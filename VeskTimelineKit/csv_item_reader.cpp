@@ -210,7 +210,7 @@ void CsvItemReader::readColor(const QStringList& record, Entry& entry)
     }
     if (m_plan.isOwnWay())
         throw Tr::tr("bad color %1").arg(quotedText(name));
-    entry.remark = Tr::tr("the color %1 is left out: there is no such color").arg(quotedText(name));
+    entry.remarks += Tr::tr("the color %1 is left out: there is no such color").arg(quotedText(name));
 }
 
 void CsvItemReader::readEditable(const QStringList& record, Entry& entry)
@@ -222,7 +222,7 @@ void CsvItemReader::readEditable(const QStringList& record, Entry& entry)
     if (!isEditable && m_plan.isOwnWay())
         throw Tr::tr("bad editable %1: neither true nor false").arg(quotedText(word));
     if (!isEditable)
-        entry.remark = Tr::tr("%1 is left out: it is neither true nor false").arg(quotedText(word));
+        entry.remarks += Tr::tr("%1 is left out: it is neither true nor false").arg(quotedText(word));
     entry.item->isEditable = isEditable.value_or(true);
 }
 

@@ -24,7 +24,7 @@ public:
     {
         QStringList path;
         std::optional<DocumentItem> item;
-        QString remark; ///< about what was adapted, for the user; null for nothing
+        QStringList remarks = {}; ///< about what was adapted, for the user
     };
 
     /// Thrown for a record that is left out whatever the file is.

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace VeskTimeline::Kit {
 
@@ -109,8 +110,8 @@ private:
         std::optional<CsvItemReader::Entry> entry = items.read(records.fields());
         if (!entry)
             return;
-        if (!entry->remark.isNull())
-            m_ofRecords.add(records.recordLine(), entry->remark);
+        for (const QString& remark : std::as_const(entry->remarks))
+            m_ofRecords.add(records.recordLine(), remark);
         DocumentTrack* const track = trackOf(entry->path);
         if (!track)
             ++m_beyondTracks;

@@ -1,5 +1,6 @@
 #include "csv_names_p.h"
 #include "csv_record_reader_p.h"
+#include "gzip_writer_p.h"
 #include "kit_tr_p.h"
 #include "time_limits_p.h"
 #include "write_file_p.h"
@@ -227,9 +228,15 @@ QByteArray csvText(const Document& document)
 
 WriteResult writeCsv(const Document& document, const QString& fileName, const WriteOptions& options)
 {
-    if (fileName.endsWith(QStringLiteral(".gz"), Qt::CaseInsensitive))
-        return FileError{fileName, 0, Tr::tr("packed files are only read")};
-    return writeFile(fileName, [&](QIODevice& device) { return CsvDocumentWriter(document, device, options).write(); });
+    const bool isPacked = fileName.endsWith(QStringLiteral(".gz"), Qt::CaseInsensitive);
+    return writeFile(fileName, [&](QIODevice& device) {
+        if (!isPacked)
+            return CsvDocumentWriter(document, device, options).write();
+        GzipWriter packed(device);
+        const QStringList warnings = CsvDocumentWriter(document, packed, options).write();
+        packed.finish();
+        return warnings;
+    });
 }
 
 } // namespace VeskTimeline::Kit

@@ -1,5 +1,6 @@
 #include "background_disposal_p.h"
 #include "kit_tr_p.h"
+#include "quoted_text_p.h"
 
 #include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/result.h>
@@ -9,10 +10,12 @@
 
 namespace VeskTimeline::Kit {
 
+// Names of files may hold anything; what is told of them is one line, and does nothing to terminals.
 QString FileError::text() const
 {
-    return line > 0 ? QStringLiteral("%1:%2: %3").arg(file, QString::number(line), reason)
-                    : QStringLiteral("%1: %2").arg(file, reason);
+    const QString name = withoutControls(file);
+    return line > 0 ? QStringLiteral("%1:%2: %3").arg(name, QString::number(line), reason)
+                    : QStringLiteral("%1: %2").arg(name, reason);
 }
 
 int Document::itemCount() const
@@ -92,7 +95,7 @@ QStringList Document::longItemWarnings() const
             if (texts.size() == mostWarnings)
                 ++left;
             else
-                texts.append(Tr::tr("“%1” is longer than 24 days and is shown in pieces").arg(item.label));
+                texts.append(Tr::tr("%1 is longer than 24 days and is shown in pieces").arg(quotedText(item.label)));
         }
     }
     if (left > 0)

@@ -6,6 +6,16 @@
 
 namespace VeskTimeline::Kit {
 
+/// Line ends and other control characters are replaced; blanks are left as they are.
+inline QString withoutControls(QString text)
+{
+    for (QChar& c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 /// A text out of a file for a message: in quotes, on one line, without control characters, and no longer than a message
 /// should be.
 inline QString quotedText(const QString& text)

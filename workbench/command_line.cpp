@@ -141,8 +141,6 @@ QString outputError(Action action, const QString& output)
         const DocumentFormat* const format = documentFormatBySuffix(output);
         if (!format || !format->write)
             return Tr::tr("no format to write has the suffix of \"%1\"").arg(output);
-        if (output.endsWith(QStringLiteral(".gz"), Qt::CaseInsensitive))
-            return Tr::tr("packed files can only be read: leave out the .gz of \"%1\"").arg(output);
     }
     if (action == Action::SaveScreenshot &&
         QFileInfo(output).suffix().compare(QStringView(u"png"), Qt::CaseInsensitive) != 0)

@@ -484,6 +484,15 @@ private Q_SLOTS:
                          "f.csv:7" + leftOut + "6 fields, but the header names 5"}));
     }
 
+    void allThatIsLeftOutOfARecordIsTold()
+    {
+        const auto result = read("group,begin,finish,color,editable\nA,2020-01-01,2020-01-02,nonsense,perhaps\n");
+        QVERIFY(result);
+        QCOMPARE(result.value().warnings().filter(QRegularExpression("^f.csv:\\d")),
+                 (QStringList{"f.csv:2: the color \"nonsense\" is left out: there is no such color",
+                              "f.csv:2: \"perhaps\" is left out: it is neither true nor false"}));
+    }
+
     void aFileWithoutAnyGoodRecordIsRefused()
     {
         QCOMPARE(itemTexts(read("begin,finish\nsoon,later\nsooner,never\n")).size(), 1);

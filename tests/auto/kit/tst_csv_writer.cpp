@@ -5,6 +5,7 @@
 #include <VeskTimelineKit/csv_writer.h>
 
 #include <QBuffer>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
@@ -254,6 +255,34 @@ private Q_SLOTS:
         WriterChecks::aFileIsReplacedByTheWholeText(trickyDocument(), "out.csv", write, [](const QString& fileName) {
             QCOMPARE(contentOf(fileName), csvText(trickyDocument()));
         });
+    }
+
+    void underAPackedNameTheTextIsPacked()
+    {
+        const auto check = [](const QString& fileName) {
+            QVERIFY(contentOf(fileName).startsWith("\x1f\x8b"));
+            const Result<Document> result = readCsv(fileName);
+            QVERIFY(result);
+            QCOMPARE(csvText(result.value()), csvText(trickyDocument()));
+        };
+        WriterChecks::aFileIsReplacedByTheWholeText(trickyDocument(), "out.csv.gz", write, check);
+        WriterChecks::aFileIsReplacedByTheWholeText(trickyDocument(), "OUT.CSV.GZ", write, check);
+        WriterChecks::aCancelledWriteKeepsTheOldFile("out.csv.gz", write);
+        WriterChecks::whatCannotBeWrittenIsReported("out.csv.gz", write);
+    }
+
+    void whatIsPackedIsNeverSoSmallThatReadingRefusesIt()
+    {
+        Document document;
+        document.track({"A"}).items = std::vector<DocumentItem>(300, {QString(100'000, 'x'), 0, 1, {}, true, {}, {}});
+        const QTemporaryDir dir;
+        const QString fileName = dir.filePath("out.csv.gz");
+        QVERIFY(writeCsv(document, fileName));
+        QVERIFY(QFileInfo(fileName).size() < csvText(document).size() / 5);
+        const Result<Document> result = readCsv(fileName);
+        QVERIFY2(result, qPrintable(result ? QString() : result.error().text()));
+        QCOMPARE(result.value().itemCount(), 300);
+        QCOMPARE(result.value().tracks().front().items.back().label, document.tracks().front().items.back().label);
     }
 
     void whatCannotBeWrittenIsReported() { WriterChecks::whatCannotBeWrittenIsReported("out.csv", write); }

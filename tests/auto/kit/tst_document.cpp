@@ -144,14 +144,23 @@ private Q_SLOTS:
         constexpr qint64 longest = DocumentItem::longestBar;
         Document document;
         document.track({"A"}).items = {item("short", 0, longest), item("open", 0, -1), item("long", 0, longest + 1)};
-        QCOMPARE(document.longItemWarnings(), QStringList{"“long” is longer than 24 days and is shown in pieces"});
+        QCOMPARE(document.longItemWarnings(), QStringList{"\"long\" is longer than 24 days and is shown in pieces"});
 
         for (int i = 0; i < 101; ++i)
             document.track({"B"}).items.push_back(item("more", 0, 2 * longest));
         const QStringList texts = document.longItemWarnings();
         QCOMPARE(texts.size(), 101);
-        QCOMPARE(texts.at(99), "“more” is longer than 24 days and is shown in pieces");
+        QCOMPARE(texts.at(99), "\"more\" is longer than 24 days and is shown in pieces");
         QCOMPARE(texts.last(), "further items that are shown in pieces: 2");
+    }
+
+    void ofALongLabelAWarningShowsTheBeginningOnOneLine()
+    {
+        Document document;
+        const QString label = "two\nlines " + QString(1'000'000, 'x');
+        document.track({"A"}).items = {item(label, 0, DocumentItem::longestBar + 1)};
+        QCOMPARE(document.longItemWarnings(),
+                 QStringList{"\"two lines " + QString(30, 'x') + "…\" is longer than 24 days and is shown in pieces"});
     }
 
     void anErrorNamesFileLineAndReason()
@@ -159,6 +168,11 @@ private Q_SLOTS:
         QCOMPARE((FileError{"a.csv", 3, "bad"}).text(), "a.csv:3: bad");
         QCOMPARE((FileError{"a.csv", 0, "bad"}).text(), "a.csv: bad");
         QCOMPARE((FileError{"a%1.csv", 3, "%2 bad"}).text(), "a%1.csv:3: %2 bad");
+    }
+
+    void anErrorIsOneLineWhateverTheFileIsCalled()
+    {
+        QCOMPARE((FileError{"a b\nc\x1b[1m é.csv", 3, "bad"}).text(), "a b\uFFFDc\uFFFD[1m é.csv:3: bad");
     }
 };
 

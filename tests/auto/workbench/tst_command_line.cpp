@@ -54,7 +54,7 @@ private Q_SLOTS:
         QCOMPARE(result.output,
                  QString("{\"end\":253402300799999,\"items\":1,\"start\":-62135596800000,\"tracks\":2,\"warnings\":["
                          "\"%1:3: the record is left out: the end \\\"8640000000000000\\\" is outside the years 1 to "
-                         "9999\",\"%1: “x” is longer than 24 days and is shown in pieces\"]}\n")
+                         "9999\",\"%1: \\\"x\\\" is longer than 24 days and is shown in pieces\"]}\n")
                      .arg(file));
         QCOMPARE(result.status, 0);
     }
@@ -121,6 +121,16 @@ private Q_SLOTS:
         QCOMPARE(result.status, 0);
         QCOMPARE(contentOf(out), csvText(VeskTimeline::Kit::readCsv(sample).value()));
         QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.csv"});
+    }
+
+    void aPackedFileIsWrittenAndReadBack()
+    {
+        const QString out = m_dir->filePath("out.csv.gz");
+        const WorkbenchRun result = runWorkbench({"--convert", out, sample});
+        QCOMPARE(result.errors, QString());
+        QCOMPARE(result.status, 0);
+        QVERIFY(contentOf(out).startsWith("\x1f\x8b"));
+        QCOMPARE(csvText(VeskTimeline::Kit::readCsv(out).value()), csvText(VeskTimeline::Kit::readCsv(sample).value()));
     }
 
     void aFileCanBeConvertedIntoItself()
@@ -350,8 +360,7 @@ private Q_SLOTS:
         row("output without format", {"--convert", "x", sample}, "no format to write has the suffix of \"x\"");
         row("output of unknown format", {"--convert", "x.doc", sample},
             "no format to write has the suffix of \"x.doc\"");
-        row("packed output", {"--convert", "x.csv.gz", sample},
-            "packed files can only be read: leave out the .gz of \"x.csv.gz\"");
+        row("packed trace", {"--convert", "x.json.gz", sample}, "no format to write has the suffix of \"x.json.gz\"");
         row("picture of another kind", {"--screenshot", "x.jpg"},
             "the name of a picture ends in .png, not so \"x.jpg\"");
         row("stretch is no number", {"--info", "--stretch", "x", sample}, "times cannot be stretched by \"x\"");
