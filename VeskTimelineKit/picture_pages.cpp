@@ -196,7 +196,7 @@ public:
     QString finish() override
     {
         const QString reason = PageTarget::finish();
-        if (!m_file.commit())
+        if (!m_file.commitWhole())
             return m_file.errorString();
         return reason;
     }

@@ -70,7 +70,7 @@ public:
             return m_file.errorString();
         QImageWriter writer(&m_file, "png");
         const bool isWritten = writer.write(m_image);
-        if (isWritten && m_file.commit())
+        if (isWritten && m_file.commitWhole())
             return {};
         return m_file.error() != QFileDevice::NoError || isWritten ? m_file.errorString() : writer.errorString();
     }

@@ -142,7 +142,7 @@ public:
             m_file.write(part(m_rulers, column).takeElements(column == 1 ? "ruler" : "caption"));
         }
         m_file.write("</svg>\n");
-        return m_file.commit() ? QString() : m_file.errorString();
+        return m_file.commitWhole() ? QString() : m_file.errorString();
     }
 
     bool finishesAside() const override { return true; }

@@ -13,13 +13,17 @@ constexpr int titleMargin = 8;
 } // namespace
 
 PictureFile::PictureFile(const QString& fileName, const std::atomic_bool& isCancelled)
-    : QSaveFile(fileName), m_isCancelled(isCancelled)
+    : WholeFile(fileName), m_isCancelled(isCancelled)
 {
 }
 
 qint64 PictureFile::writeData(const char* data, qint64 length)
 {
-    return m_isCancelled ? -1 : QSaveFile::writeData(data, length);
+    if (!m_isCancelled)
+        return WholeFile::writeData(data, length);
+    // Not all who write look whether it went well.
+    cancelWriting();
+    return -1;
 }
 
 PictureTarget::PictureTarget(PictureView& view, const PictureOptions& options, const TimeSpan& range)

@@ -3,11 +3,11 @@
 // Internal to the kit; not installed.
 
 #include "picture_view_p.h"
+#include "whole_file_p.h"
 
 #include <VeskTimelineKit/picture_export.h>
 
 #include <QPainter>
-#include <QSaveFile>
 
 #include <atomic>
 #include <memory>
@@ -15,7 +15,7 @@
 namespace VeskTimeline::Kit {
 
 /// A file that replaces the old one when it is complete, and fails from the moment that it is cancelled.
-class PictureFile : public QSaveFile
+class PictureFile : public WholeFile
 {
 public:
     PictureFile(const QString& fileName, const std::atomic_bool& isCancelled);

@@ -2,11 +2,12 @@
 
 // Internal to the kit; not installed.
 
+#include "whole_file_p.h"
+
 #include <VeskTimelineKit/document.h>
 #include <VeskTimelineKit/write_options.h>
 
 #include <QElapsedTimer>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -54,14 +55,12 @@ private:
 template <typename Write>
 WriteResult writeFile(const QString& fileName, Write write)
 {
-    QSaveFile file(fileName);
+    WholeFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
         return FileError{fileName, 0, file.errorString()};
     try {
         const QStringList warnings = write(file);
-        // Committing reports failed writes, but not that what was still buffered could not be written. A write that
-        // the disk has cut short says why at the second try only.
-        if ((file.flush() || file.flush()) && file.commit())
+        if (file.commitWhole())
             return warnings;
         return FileError{fileName, 0, file.errorString()};
     } catch (const QString& reason) {

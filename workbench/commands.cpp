@@ -90,12 +90,13 @@ int saveScreenshot(QWidget& window, const QString& output)
     QSaveFile file(output);
     QImageWriter writer(&file, "png");
     const bool isOpen = file.open(QIODevice::WriteOnly);
-    if (isOpen && !writer.write(window.grab().toImage()))
-        report({FileError{output, 0, writer.errorString()}});
-    else if (!isOpen || !file.commit())
-        report({FileError{output, 0, file.errorString()}});
-    else
+    const bool isWritten = isOpen && writer.write(window.grab().toImage());
+    // Of a full disk only the second try to write what is left says so.
+    const bool isFlushed = isOpen && (file.flush() || file.flush());
+    if (isWritten && isFlushed && file.commit())
         return Done;
+    const bool saysWhy = !isOpen || isWritten || file.error() != QFileDevice::NoError;
+    report({FileError{output, 0, saysWhy ? file.errorString() : writer.errorString()}});
     return FileRefused;
 }
 

@@ -129,13 +129,24 @@ private Q_SLOTS:
         QCOMPARE(recorded.warnings, QStringList());
     }
 
+    void onAFullDiskTheOldFileStays_data()
+    {
+        QTest::addColumn<QString>("format");
+        for (const DocumentFormat& format : documentFormats()) {
+            if (format.write)
+                QTest::newRow(qPrintable(format.name)) << format.name;
+        }
+    }
     void onAFullDiskTheOldFileStays()
     {
+        QFETCH(const QString, format);
         put("old");
         RecordedSaver recorded;
         {
             const FileSizeLimit limit(1000);
-            recorded.saver.start(m_document, path(), *documentFormatByName("vtl"));
+            // Longer than what a file buffers.
+            const auto document = std::make_shared<const Document>(documentOf(1000));
+            recorded.saver.start(document, path(), *documentFormatByName(format));
             QTRY_COMPARE(recorded.events, QStringList{"failed"});
         }
         QVERIFY2(recorded.reason.startsWith(path() + ": ") && recorded.reason.contains("too large"),

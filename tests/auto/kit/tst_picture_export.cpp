@@ -1,3 +1,4 @@
+#include "support/file_size_limit.h"
 #include "support/text_file.h"
 
 #include <VeskTimeline/item_delegate.h>
@@ -454,6 +455,23 @@ private Q_SLOTS:
         QVERIFY(error);
         QCOMPARE(error->file, file);
         QCOMPARE(error->reason, QString("No such file or directory"));
+    }
+
+    void onAFullDiskTheOldFileStays_data() { suffixes(); }
+    void onAFullDiskTheOldFileStays()
+    {
+        QFETCH(const QString, suffix);
+        fill();
+        const QString file = path("a." + suffix);
+        writeFile(file, "old");
+        std::optional<FileError> error;
+        {
+            const FileSizeLimit limit(1000);
+            error = writePicture(*m_model, file);
+        }
+        QVERIFY(error);
+        QCOMPARE(error->text(), file + ": File too large");
+        QCOMPARE(contentOf(file), QByteArray("old"));
     }
 
     void cancellingKeepsTheOldFile_data() { suffixes(); }
