@@ -47,11 +47,11 @@ void DocumentSaver::start(const std::shared_ptr<const Document>& document, const
             return !work.isCancelled();
         };
         const WriteResult result = write(*document, fileName, format, options);
-        work.deliver([this, result] {
+        work.deliver([this, result, document] {
             const bool wasCancelled = m_worker->isCancelled();
             m_worker->finish();
             if (result)
-                Q_EMIT saved(result.value());
+                Q_EMIT saved(document->warnings() + result.value());
             else if (wasCancelled)
                 Q_EMIT cancelled();
             else

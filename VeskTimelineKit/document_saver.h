@@ -36,7 +36,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void progressChanged(double share);
-    /// @param warnings what the format could not say
+    /// @param warnings those of the document, and what the format could not say
     void saved(const QStringList& warnings);
     void failed(const VeskTimeline::Kit::FileError& error);
     void cancelled();

@@ -129,6 +129,17 @@ private Q_SLOTS:
         QCOMPARE(recorded.warnings, QStringList());
     }
 
+    void whatTheDocumentWarnsOfIsToldFirst()
+    {
+        auto document = std::make_shared<Document>(*m_document);
+        document->addWarning("one is now two");
+        RecordedSaver recorded;
+        recorded.saver.start(document, "x", held);
+        m_probe->mayGoOn.release();
+        QTRY_COMPARE(recorded.events, QStringList{"saved"});
+        QCOMPARE(recorded.warnings, (QStringList{"one is now two", "the colours are lost"}));
+    }
+
     void onAFullDiskTheOldFileStays_data()
     {
         QTest::addColumn<QString>("format");

@@ -494,6 +494,17 @@ private Q_SLOTS:
         QCOMPARE(box(window, "writeWarnings")->informativeText(), "the colours are lost");
     }
 
+    void savingSaysWhichTracksGetAnotherName()
+    {
+        const QString file = openNative();
+        m_window->model()->addTrack("twin");
+        m_window->model()->addTrack("twin");
+        action(*m_window, "save")->trigger();
+        QTRY_VERIFY(box(*m_window, "writeWarnings"));
+        QVERIFY(box(*m_window, "writeWarnings")->informativeText().contains("several tracks “twin”"));
+        QVERIFY(contents(file).contains("twin (2)"));
+    }
+
     void aFailedSaveKeepsTheOldFileSaysWhyAndStaysModified()
     {
         const QString file = openNative(1000);
