@@ -23,7 +23,7 @@ GzipWriter::GzipWriter(QIODevice& target) : m_target(target), m_output(outputSiz
     if (deflateInit2(&m_stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, gzipWindowBits, memoryLevel, Z_DEFAULT_STRATEGY) !=
         Z_OK)
         throw Tr::tr("there is not enough memory to pack it");
-    open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    QIODevice::open(QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
 GzipWriter::~GzipWriter()
