@@ -149,7 +149,7 @@ public:
     /// Puts copies of the items on the model's own clipboard, replacing what it held. Start times are kept relative to
     /// the earliest. @throws QString for an unknown id; the clipboard then holds the copies made before
     virtual void copyToClipboard(const QVector<int>& itemIds);
-    /// Copies the items, then removes them. @throws QString for an unknown id
+    /// Copies the items, then removes them, announced by beginItemChanges(). @throws QString for an unknown id
     virtual void cutToClipboard(const QVector<int>& itemIds);
     /// Adds the clipboard's items to the tracks they came from, the earliest at `time`, snapped while snapping is on,
     /// and empties the clipboard. The items get new ids. Emits dataChanged() for each.
@@ -161,6 +161,16 @@ public Q_SLOTS:
     virtual void onInsertTrack(const QModelIndex& index);
     /// Hook for the remove button of a track row, called when the user has confirmed. Does nothing here.
     virtual void onRemoveTrack(const QModelIndex& index);
+
+public:
+    /// Announces that about `count` calls of setItemStartTime(), moveItemToTrack() or removeItem() follow, as a gesture
+    /// on a large selection and cutToClipboard() make them. Does nothing here. A subclass may put off what is asked of
+    /// it and make it in one pass when endItemChanges() is called, or when anything is asked whose answer depends on
+    /// it. Such pairs may be nested; only the outermost counts then.
+    virtual void beginItemChanges(int count);
+    /// The changes announced have been asked for, or an exception has ended them: called once for each
+    /// beginItemChanges() that has not thrown. Does nothing here.
+    virtual void endItemChanges();
 
 protected:
     int nextFreeTrackId() { return m_currentTrackId++; }

@@ -1,3 +1,4 @@
+#include "item_changes_p.h"
 #include "track_places_p.h"
 
 #include <VeskTimeline/timeline_model.h>
@@ -26,8 +27,10 @@ void TimelineModel::copyToClipboard(const QVector<int>& itemIds)
 void TimelineModel::cutToClipboard(const QVector<int>& itemIds)
 {
     copyToClipboard(itemIds);
+    ItemChanges changes(*this, itemIds.size(), m_logger);
     for (const int id : itemIds)
         removeItem(id);
+    changes.finish();
 }
 
 void TimelineModel::forgetDestroyedTrack(int trackId)

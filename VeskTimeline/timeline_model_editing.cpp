@@ -118,6 +118,14 @@ void TimelineModel::setItemDuration(int itemId, int duration)
     setItemDuration(*item(itemId), duration);
 }
 
+void TimelineModel::beginItemChanges(int /*count*/)
+{
+}
+
+void TimelineModel::endItemChanges()
+{
+}
+
 bool TimelineModel::canDropItem(const Item& /*item*/, int /*trackId*/, qint64 /*start*/) const
 {
     return true;

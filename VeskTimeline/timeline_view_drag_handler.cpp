@@ -1,5 +1,6 @@
 #include "failure_log_p.h"
 #include "id_set_p.h"
+#include "item_changes_p.h"
 #include "landing_tracks_p.h"
 #include "modifiers_p.h"
 #include "snap_candidates_p.h"
@@ -280,10 +281,12 @@ void TimelineViewDragHandler::moveItemsTo(const QPoint& pos)
     TimelineModel* const model = m_view->timelineModel();
     const qint64 dt = deltaTime();
     const QVector<int> ids = m_dragItemIds;
+    ItemChanges changes(*model, ids.size(), m_view->logger());
     for (const int id : ids) {
         Item* const item = model->item(id);
         model->setItemStartTime(*item, item->startTime() + dt);
     }
+    changes.finish();
 }
 
 bool TimelineViewDragHandler::canMoveItemsTo(const QPoint& pos) const
@@ -361,10 +364,12 @@ bool TimelineViewDragHandler::canShiftItems(const QVector<int>& ids, int dt) con
 void TimelineViewDragHandler::shiftItems(const QVector<int>& ids, int dt)
 {
     TimelineModel* const model = m_view->timelineModel();
+    ItemChanges changes(*model, ids.size(), m_view->logger());
     for (const int id : ids) {
         Item* const item = model->item(id);
         model->setItemStartTime(*item, item->startTime() + dt);
     }
+    changes.finish();
 }
 
 void TimelineViewDragHandler::moveItemsLeft(const QVector<int>& ids, int dt)

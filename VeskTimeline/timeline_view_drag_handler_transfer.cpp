@@ -1,4 +1,5 @@
 #include "failure_log_p.h"
+#include "item_changes_p.h"
 #include "landing_tracks_p.h"
 
 #include <VeskTimeline/item.h>
@@ -90,10 +91,12 @@ void TimelineViewDragHandler::dropItems()
     const qint64 dt = deltaTime();
     LandingTracks landingTrackOf(m_view, [this](const Item& item) { return dragItemTrackId(item); });
     const QVector<int> ids = m_dragItemIds;
+    ItemChanges changes(*model, ids.size(), m_view->logger());
     for (const int id : ids) {
         const Item* const item = model->item(id);
         model->moveItemToTrack(id, landingTrackOf(*item), item->startTime() + dt);
     }
+    changes.finish();
 }
 
 } // namespace VeskTimeline

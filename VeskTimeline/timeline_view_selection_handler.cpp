@@ -1,4 +1,5 @@
 #include "failure_log_p.h"
+#include "item_changes_p.h"
 #include "modifiers_p.h"
 #include "track_cell_p.h"
 
@@ -195,17 +196,28 @@ void TimelineViewSelectHandler::keyPressEvent(QKeyEvent* event)
     }
 }
 
+// One that cannot be removed keeps no other from it.
+void TimelineViewSelectHandler::removeItem(int id, const char* signature)
+{
+    try {
+        m_view->timelineModel()->removeItem(id);
+    } catch (...) {
+        logCaughtException(m_view->logger(), signature);
+    }
+}
+
 void TimelineViewSelectHandler::removeSelectedItems(const char* signature)
 {
     if (!m_view->hasSelectedItems() || !m_view->timelineModel())
         return;
     const QList<int> ids = m_view->selectedItemIds();
-    for (const int id : ids) {
-        try {
-            m_view->timelineModel()->removeItem(id);
-        } catch (...) {
-            logCaughtException(m_view->logger(), signature);
-        }
+    try {
+        ItemChanges changes(*m_view->timelineModel(), ids.size(), m_view->logger());
+        for (const int id : ids)
+            removeItem(id, signature);
+        changes.finish();
+    } catch (...) {
+        logCaughtException(m_view->logger(), signature);
     }
     m_view->clearSelectedItems();
     m_selectedItemId = -1;

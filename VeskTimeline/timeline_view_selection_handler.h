@@ -67,6 +67,7 @@ private:
     void finishRubberBand(const char* signature);
     void click(int itemId, bool isToggle);
     void removeSelectedItems(const char* signature);
+    void removeItem(int id, const char* signature);
     void controlKeyPress(QKeyEvent* event);
     static void leaveUnknownKey(QKeyEvent* event);
     void paste();

@@ -179,10 +179,10 @@ public:
     /// operation brings it up first. It comes out as without this, with one signal for all, in a fraction of the time;
     /// only that moveItemToTrack() does not call setItemStartTime() meanwhile. Such pairs may be nested.
     /// @param count about how many calls; few are made at once
-    virtual void beginItemChanges(int count);
+    void beginItemChanges(int count) override;
     /// Makes the changes that have been put off.
     /// @throws QString, with nothing changed, when items have gone behind the model's back meanwhile
-    virtual void endItemChanges();
+    void endItemChanges() override;
 
     /// Not for pieces of a long item nor against the overlap policy. Other items of the view's selection do not count,
     /// since they move along.

@@ -39,7 +39,6 @@ private:
 
 ItemCommands::ItemCommands(StandardTimelineModel* model, TimelineView* view, QObject* parent)
     : ViewCommands(model, view, parent),
-      m_formerDragHandler(view->dragHandler()),
       m_formerSelectHandler(view->selectHandler()),
       m_formerTrackHandler(view->trackHandler()),
       m_tracks(new TrackCommands(model, view, this)),
@@ -49,10 +48,8 @@ ItemCommands::ItemCommands(StandardTimelineModel* model, TimelineView* view, QOb
     m_requests.emptyPlaceActivated = [this](int trackId, qint64 time) { addItemAt(trackId, time); };
     m_requests.nameActivated = [this](int trackId) { m_tracks->rename(trackId); };
     m_requests.removeItems = [this] { removeSelected(); };
-    m_dragHandler = std::make_unique<RowDragHandler>(view);
     m_selectHandler = std::make_unique<RowSelectHandler>(view, m_requests);
     m_trackHandler = std::make_unique<RowTrackHandler>(view, m_requests);
-    view->setDragHandler(m_dragHandler.get());
     view->setSelectHandler(m_selectHandler.get());
     view->setTrackHandler(m_trackHandler.get());
     new SnapSuspender(model, view);
@@ -71,7 +68,6 @@ ItemCommands::~ItemCommands()
 {
     if (!view())
         return;
-    view()->setDragHandler(m_formerDragHandler);
     view()->setSelectHandler(m_formerSelectHandler);
     view()->setTrackHandler(m_formerTrackHandler);
 }

@@ -65,10 +65,8 @@ private:
     QPoint keyboardMenuPos() const;
 
     RowRequests m_requests;
-    std::unique_ptr<RowDragHandler> m_dragHandler;
     std::unique_ptr<RowSelectHandler> m_selectHandler;
     std::unique_ptr<RowTrackHandler> m_trackHandler;
-    VeskTimeline::TimelineViewDragHandler* m_formerDragHandler;
     VeskTimeline::TimelineViewSelectHandler* m_formerSelectHandler;
     VeskTimeline::TimelineViewTrackHandler* m_formerTrackHandler;
     TrackCommands* m_tracks;

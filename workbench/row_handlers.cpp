@@ -2,11 +2,9 @@
 
 #include <VeskTimeline/timeline_model.h>
 #include <VeskTimeline/timeline_view.h>
-#include <VeskTimelineKit/standard_timeline_model.h>
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPointer>
 
 namespace Workbench {
 
@@ -30,46 +28,7 @@ bool isItemAt(const TimelineView& view, int trackId, const QPoint& pos)
     }
 }
 
-/// Announces what the body does to so many items.
-template <typename Body>
-void changeItems(TimelineModel* changed, qsizetype count, const Body& body)
-{
-    const QPointer model = qobject_cast<Kit::StandardTimelineModel*>(changed);
-    if (!model) {
-        body();
-        return;
-    }
-    model->beginItemChanges(static_cast<int>(count));
-    try {
-        body();
-    } catch (...) {
-        // What was moved before stays moved.
-        if (model)
-            model->endItemChanges();
-        throw;
-    }
-    if (model)
-        model->endItemChanges();
-}
-
 } // namespace
-
-void RowDragHandler::dropEvent(QDropEvent* event)
-{
-    changeItems(m_view->timelineModel(), dragItemIds().size(), [&] { TimelineViewDragHandler::dropEvent(event); });
-}
-
-void RowDragHandler::mouseReleaseEvent(QMouseEvent* event)
-{
-    changeItems(m_view->timelineModel(), dragItemIds().size(),
-                [&] { TimelineViewDragHandler::mouseReleaseEvent(event); });
-}
-
-void RowDragHandler::keyPressEvent(QKeyEvent* event)
-{
-    changeItems(m_view->timelineModel(), m_view->selectedItemIds().size(),
-                [&] { TimelineViewDragHandler::keyPressEvent(event); });
-}
 
 RowSelectHandler::RowSelectHandler(TimelineView* view, const RowRequests& requests)
     : TimelineViewSelectHandler(view), m_requests(requests)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <VeskTimeline/timeline_view_drag_handler.h>
 #include <VeskTimeline/timeline_view_selection_handler.h>
 #include <VeskTimeline/timeline_view_track_handler.h>
 
@@ -15,17 +14,6 @@ struct RowRequests
     std::function<void(int trackId, qint64 time)> emptyPlaceActivated;
     std::function<void(int trackId)> nameActivated;
     std::function<void()> removeItems;
-};
-
-/// Has what a gesture does to each item of a large selection made at once.
-class RowDragHandler : public VeskTimeline::TimelineViewDragHandler
-{
-public:
-    using TimelineViewDragHandler::TimelineViewDragHandler;
-
-    void dropEvent(QDropEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 };
 
 /// Deletes a selection in one go, reports double clicks on empty places of a row, and leaves the request for a context
