@@ -83,9 +83,14 @@ private:
 class IdsOfList
 {
 public:
+    /// Whether it is the list of the time before.
+    bool holds(const QList<int>& ids) const
+    {
+        return ids.constData() == m_ids.constData() && ids.size() == m_ids.size();
+    }
     const IdSet& of(const QList<int>& ids)
     {
-        if (ids.constData() != m_ids.constData() || ids.size() != m_ids.size()) {
+        if (!holds(ids)) {
             m_ids = ids;
             m_set = IdSet(ids);
         }

@@ -14,6 +14,7 @@ namespace {
 constexpr quint16 slotCount = 4096;
 std::array<std::atomic<quint32>, slotCount> changeCounts;
 std::atomic<quint16> lastSlot;
+std::atomic<quint64> lastVersion;
 
 // Slot 0 stands for none.
 quint16 nextSlot()
@@ -28,7 +29,7 @@ void ItemIndexMark::countChange(quint16 slot) noexcept
     changeCounts[slot].fetch_add(1, std::memory_order_relaxed);
 }
 
-ItemIndex::ItemIndex() : m_slot(nextSlot())
+ItemIndex::ItemIndex() : m_slot(nextSlot()), m_version(++lastVersion)
 {
 }
 
@@ -45,6 +46,7 @@ bool ItemIndex::matches(const Items& items) const
 void ItemIndex::build(const Items& items)
 {
     m_changeCount = changeCount();
+    m_version = ++lastVersion;
     m_place = items.data();
     m_starts.resize(items.size());
     m_ends.resize(items.size());
@@ -122,6 +124,7 @@ std::size_t ItemIndex::positionAfterMove(std::size_t position, qint64 startTime)
 
 void ItemIndex::noteInsertion(const Items& items, std::size_t position)
 {
+    m_version = ++lastVersion;
     Item& item = *items[position];
     item.m_indexMark.m_slot = m_slot;
     m_place = items.data();
@@ -135,6 +138,7 @@ void ItemIndex::noteInsertion(const Items& items, std::size_t position)
 
 void ItemIndex::noteRemoval(const Items& items, std::size_t position, Item& removed)
 {
+    m_version = ++lastVersion;
     removed.m_indexMark.m_slot = 0;
     m_starts.erase(m_starts.begin() + static_cast<std::ptrdiff_t>(position));
     m_ends.erase(m_ends.begin() + static_cast<std::ptrdiff_t>(position));
@@ -144,6 +148,7 @@ void ItemIndex::noteRemoval(const Items& items, std::size_t position, Item& remo
 
 void ItemIndex::noteMove(const Items& items, std::size_t from, std::size_t to)
 {
+    m_version = ++lastVersion;
     const auto move = [from, to](Times& times, qint64 time) {
         const auto at = [&times](std::size_t position) {
             return times.begin() + static_cast<std::ptrdiff_t>(position);
@@ -162,6 +167,7 @@ void ItemIndex::noteMove(const Items& items, std::size_t from, std::size_t to)
 
 void ItemIndex::noteDuration(const Items& items, std::size_t position)
 {
+    m_version = ++lastVersion;
     m_ends[position] = endTimeOf(*items[position]);
     m_isOrdered = m_isOrdered && items[position]->duration() >= openEnded;
     noteChange(position, position);

@@ -40,6 +40,8 @@ public:
     /// Indexes the list anew.
     void build(const Items& items);
 
+    /// Another one after each change and in each index, never 0.
+    quint64 version() const { return m_version; }
     std::size_t size() const { return m_starts.size(); }
     /// The first position whose item starts at the time or later; size() for none.
     std::size_t firstFrom(qint64 time) const;
@@ -92,6 +94,7 @@ private:
     /// Names the counter of what happens to the items behind the track's back; others may use it too.
     quint16 m_slot;
     quint32 m_changeCount = 0;
+    quint64 m_version;
     bool m_isOrdered = true;
     unsigned m_cullings = 0;
 };

@@ -4,6 +4,7 @@
 #include <VeskTimeline/timeline_model.h>
 
 #include <algorithm>
+#include <numeric>
 #include <stdexcept>
 
 namespace VeskTimeline {
@@ -123,6 +124,16 @@ QVector<int> TimelineModel::itemIds() const
     if (!m_itemCaching)
         return m_rootTrack.itemIds(true, false);
     QVector<int> ids;
+    if (m_itemCache.empty())
+        return ids;
+    // As many as there can be from the first to the last: then they are known without going from node to node.
+    const qint64 first = m_itemCache.begin()->first;
+    const qint64 last = m_itemCache.rbegin()->first;
+    if (last - first + 1 == static_cast<qint64>(m_itemCache.size())) {
+        ids.resize(static_cast<qsizetype>(m_itemCache.size()));
+        std::iota(ids.begin(), ids.end(), static_cast<int>(first));
+        return ids;
+    }
     ids.reserve(static_cast<qsizetype>(m_itemCache.size()));
     for (const auto& entry : m_itemCache)
         ids.append(entry.first);

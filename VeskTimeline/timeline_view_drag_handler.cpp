@@ -3,10 +3,10 @@
 #include "item_changes_p.h"
 #include "landing_tracks_p.h"
 #include "modifiers_p.h"
+#include "room_for_items_p.h"
 #include "snap_candidates_p.h"
 #include "time_grid_p.h"
 #include "track_cell_p.h"
-#include "track_items_p.h"
 
 #include <VeskTimeline/timeline_model.h>
 #include <VeskTimeline/timeline_view.h>
@@ -40,17 +40,10 @@ std::optional<qint64> offsetOntoEdge(const Item& dragged, qint64 start, const It
     return std::nullopt;
 }
 
-// Whether the track has room for an item, shown from `start`, those moved with it apart.
-bool isFree(const Track& track, const Item& item, qint64 start, const IdSet& movedIds)
-{
-    return !isAnyItemBetween(
-        track, {start, start + item.duration(), true}, [&](int id) { return movedIds.contains(id); }, false);
-}
-
 } // namespace
 
 TimelineViewDragHandler::TimelineViewDragHandler(TimelineView* view)
-    : m_view(view), m_dragItemIdSet(std::make_unique<IdsOfList>())
+    : m_view(view), m_dragItemIdSet(std::make_unique<IdsOfList>()), m_room(std::make_unique<RoomForItems>())
 {
 }
 
@@ -97,6 +90,7 @@ void TimelineViewDragHandler::resetGesture()
 {
     m_dragItemIds.clear();
     m_dragItemIdSet->of(m_dragItemIds);
+    m_room->of(m_dragItemIds);
     m_dragStartIndex = QModelIndex();
     m_dragStartTrackId = -1;
     m_dragStartTime = -1;
@@ -295,13 +289,12 @@ bool TimelineViewDragHandler::canMoveItemsTo(const QPoint& pos) const
     if (!isModelEditable() || !hasGesture() || !isTimeCell(index) || trackIdOfCell(index) != dragStartTrackId())
         return false;
     const TimelineModel* const model = m_view->timelineModel();
-    const IdSet& draggedIds = dragItemIdSet();
     const qint64 dt = deltaTime();
     return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
         const Item* const item = model->item(id);
         const qint64 start = item->startTime() + dt;
         return model->canMoveItem(*item, start) &&
-               isFree(*model->track(item->parentTrackId()), *item, start, draggedIds);
+               m_room->of(m_dragItemIds).isThere(*model->track(item->parentTrackId()), *item, start);
     });
 }
 
@@ -314,7 +307,6 @@ bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
         return canMoveItemsTo(pos);
 
     const TimelineModel* const model = m_view->timelineModel();
-    const IdSet& draggedIds = dragItemIdSet();
     const qint64 dt = deltaTime();
     LandingTracks landingTrackOf(m_view, [this](const Item& item) { return dragItemTrackId(item); });
     return std::all_of(m_dragItemIds.begin(), m_dragItemIds.end(), [&](int id) {
@@ -324,7 +316,8 @@ bool TimelineViewDragHandler::canDragItemsTo(const QPoint& pos) const
             return false;
         const Track* const target = model->track(trackId);
         const qint64 start = item->startTime() + dt;
-        return model->canDropItem(*item, target->id(), start) && isFree(*target, *item, start, draggedIds);
+        return model->canDropItem(*item, target->id(), start) &&
+               m_room->of(m_dragItemIds).isThere(*target, *item, start);
     });
 }
 
@@ -347,17 +340,17 @@ void TimelineViewDragHandler::keyPressEvent(QKeyEvent* event)
         moveItemsLeft(ids, -dt);
     else if (event->key() == Qt::Key_Right)
         moveItemsRight(ids, dt);
+    m_room->of({});
 }
 
 bool TimelineViewDragHandler::canShiftItems(const QVector<int>& ids, int dt) const
 {
     const TimelineModel* const model = m_view->timelineModel();
-    const IdSet movedIds(ids);
     return std::all_of(ids.begin(), ids.end(), [&](int id) {
         const Item* const item = model->item(id);
         const Track* const track = model->track(item->parentTrackId());
         const qint64 start = item->startTime() + dt;
-        return isFree(*track, *item, start, movedIds) && model->canMoveItem(*item, start);
+        return m_room->of(ids).isThere(*track, *item, start) && model->canMoveItem(*item, start);
     });
 }
 

@@ -20,6 +20,7 @@ namespace VeskTimeline {
 class IdSet;
 class IdsOfList;
 class Item;
+class RoomForItems;
 class TimelineView;
 
 /// Moves items in time, with the mouse or the arrow keys, and to other tracks.
@@ -127,6 +128,8 @@ private:
 
     int m_dragStartTrackId = -1;
     std::unique_ptr<IdsOfList> m_dragItemIdSet;
+    /// What is known of the tracks while a gesture asks for room again and again.
+    std::unique_ptr<RoomForItems> m_room;
 
     friend class TimelineView;
 };
