@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <functional>
 
 namespace VeskTimeline {
 
@@ -20,6 +21,16 @@ std::atomic<quint64> lastVersion;
 quint16 nextSlot()
 {
     return static_cast<quint16>(1 + lastSlot++ % (slotCount - 1));
+}
+
+bool startsEarlier(const ItemPtr& item, qint64 time)
+{
+    return item->startTime() < time;
+}
+
+bool startsLater(qint64 time, const ItemPtr& item)
+{
+    return time < item->startTime();
 }
 
 } // namespace
@@ -40,7 +51,7 @@ quint32 ItemIndex::changeCount() const
 
 bool ItemIndex::matches(const Items& items) const
 {
-    return m_place == items.data() && m_starts.size() == items.size() && m_changeCount == changeCount();
+    return m_place == items.data() && m_size == items.size() && m_changeCount == changeCount();
 }
 
 void ItemIndex::build(const Items& items)
@@ -48,6 +59,9 @@ void ItemIndex::build(const Items& items)
     m_changeCount = changeCount();
     m_version = ++lastVersion;
     m_place = items.data();
+    m_size = items.size();
+    m_isResting = false;
+    m_movedTimes = 0;
     m_starts.resize(items.size());
     m_ends.resize(items.size());
     m_summarisedItems = 0;
@@ -103,43 +117,74 @@ qint64 ItemIndex::latestEndInBlock(std::size_t position) const
     return m_latestEnds.front()[position / fanOut];
 }
 
+std::size_t ItemIndex::positionBehind(const Items& items, qint64 startTime) const
+{
+    if (!m_isResting)
+        return firstBehind(startTime);
+    return static_cast<std::size_t>(std::upper_bound(items.begin(), items.end(), startTime, startsLater) -
+                                    items.begin());
+}
+
 std::size_t ItemIndex::positionOf(const Items& items, const Item& item) const
 {
-    for (std::size_t position = firstFrom(item.startTime());
-         position < size() && m_starts[position] == item.startTime(); ++position) {
-        if (items[position].get() == &item)
-            return position;
+    const qint64 start = item.startTime();
+    const auto first = m_isResting ? std::lower_bound(items.begin(), items.end(), start, startsEarlier)
+                                   : items.begin() + static_cast<std::ptrdiff_t>(firstFrom(start));
+    for (auto own = first; own != items.end() && (*own)->startTime() == start; ++own) {
+        if (own->get() == &item)
+            return static_cast<std::size_t>(own - items.begin());
     }
     return size();
 }
 
-std::size_t ItemIndex::positionAfterMove(std::size_t position, qint64 startTime) const
+std::size_t ItemIndex::positionAfterMove(const Items& items, std::size_t position, qint64 startTime) const
 {
-    const auto here = m_starts.begin() + static_cast<std::ptrdiff_t>(position);
-    const auto target = startTime > *here ? std::lower_bound(here + 1, m_starts.end(), startTime) - 1
-                                          : std::upper_bound(m_starts.begin(), here, startTime);
+    const qint64 before = items[position]->startTime();
     // Unchanged times keep their places among equals.
-    return startTime == *here ? position : static_cast<std::size_t>(target - m_starts.begin());
+    if (startTime == before)
+        return position;
+    const auto target = [&](const auto& starts, const auto& isEarlier, const auto& isLater) {
+        const auto here = starts.begin() + static_cast<std::ptrdiff_t>(position);
+        const auto found = startTime > before ? std::lower_bound(here + 1, starts.end(), startTime, isEarlier) - 1
+                                              : std::upper_bound(starts.begin(), here, startTime, isLater);
+        return static_cast<std::size_t>(found - starts.begin());
+    };
+    return m_isResting ? target(items, startsEarlier, startsLater) : target(m_starts, std::less<>(), std::less<>());
+}
+
+// Counts what a change moves in the arrays; false when the index is at rest. Building it anew, for which the items
+// themselves are looked at, costs about as much as moving all of it so many times.
+bool ItemIndex::isKept(std::size_t movedTimes)
+{
+    constexpr std::size_t mostMoves = 16;
+    m_version = ++lastVersion;
+    m_movedTimes += movedTimes;
+    m_isResting = m_isResting || m_movedTimes > mostMoves * m_size;
+    return !m_isResting;
 }
 
 void ItemIndex::noteInsertion(const Items& items, std::size_t position)
 {
-    m_version = ++lastVersion;
     Item& item = *items[position];
     item.m_indexMark.m_slot = m_slot;
     m_place = items.data();
-    m_starts.insert(m_starts.begin() + static_cast<std::ptrdiff_t>(position), item.startTime());
-    m_ends.insert(m_ends.begin() + static_cast<std::ptrdiff_t>(position), endTimeOf(item));
+    m_size = items.size();
     m_isOrdered = m_isOrdered && item.duration() >= openEnded;
     m_cullings |= bitOf(item.culling());
+    if (!isKept(m_size - position))
+        return;
+    m_starts.insert(m_starts.begin() + static_cast<std::ptrdiff_t>(position), item.startTime());
+    m_ends.insert(m_ends.begin() + static_cast<std::ptrdiff_t>(position), endTimeOf(item));
     m_summarisedItems = std::min(m_summarisedItems, position);
     Q_ASSERT(isRight(items));
 }
 
 void ItemIndex::noteRemoval(const Items& items, std::size_t position, Item& removed)
 {
-    m_version = ++lastVersion;
     removed.m_indexMark.m_slot = 0;
+    m_size = items.size();
+    if (!isKept(m_size - position))
+        return;
     m_starts.erase(m_starts.begin() + static_cast<std::ptrdiff_t>(position));
     m_ends.erase(m_ends.begin() + static_cast<std::ptrdiff_t>(position));
     m_summarisedItems = std::min(m_summarisedItems, position);
@@ -148,7 +193,8 @@ void ItemIndex::noteRemoval(const Items& items, std::size_t position, Item& remo
 
 void ItemIndex::noteMove(const Items& items, std::size_t from, std::size_t to)
 {
-    m_version = ++lastVersion;
+    if (!isKept(std::max(from, to) - std::min(from, to)))
+        return;
     const auto move = [from, to](Times& times, qint64 time) {
         const auto at = [&times](std::size_t position) {
             return times.begin() + static_cast<std::ptrdiff_t>(position);
@@ -167,9 +213,10 @@ void ItemIndex::noteMove(const Items& items, std::size_t from, std::size_t to)
 
 void ItemIndex::noteDuration(const Items& items, std::size_t position)
 {
-    m_version = ++lastVersion;
-    m_ends[position] = endTimeOf(*items[position]);
     m_isOrdered = m_isOrdered && items[position]->duration() >= openEnded;
+    if (!isKept(0))
+        return;
+    m_ends[position] = endTimeOf(*items[position]);
     noteChange(position, position);
     Q_ASSERT(isRight(items));
 }

@@ -225,6 +225,7 @@ private:
 
     const ItemIndex* index() const;
     ItemIndex* currentIndex() const;
+    ItemIndex* indexForChange() const;
     ItemPtr takeItemAtPosition(std::size_t position);
     ItemPtr takeOwnItem(const Item& item);
     void setItemStartTime(Item& item, qint64 time);

@@ -36,10 +36,11 @@ const ItemIndex* Track::index() const
         return nullptr;
     if (!m_index)
         m_index = std::make_unique<ItemIndex>();
-    if (m_isIndexStale || !m_index->matches(m_items)) {
+    if (m_isIndexStale || m_index->isResting() || !m_index->matches(m_items)) {
         m_index->build(m_items);
         m_isIndexStale = false;
     }
+    m_index->noteQuestion();
     return m_index->isOrdered() ? m_index.get() : nullptr;
 }
 
@@ -52,13 +53,21 @@ ItemIndex* Track::currentIndex() const
     return nullptr;
 }
 
+// The index for finding the place of a change; null where going through the list is the way to go.
+ItemIndex* Track::indexForChange() const
+{
+    if (ItemIndex* const current = currentIndex())
+        return current;
+    return index() ? m_index.get() : nullptr;
+}
+
 Item* Track::addItem(ItemPtr&& item)
 {
     ItemIndex* const current = currentIndex();
     const auto startsLater = [](qint64 time, const ItemPtr& other) { return time < other->startTime(); };
     const std::size_t position =
         current
-            ? current->firstBehind(item->startTime())
+            ? current->positionBehind(m_items, item->startTime())
             : static_cast<std::size_t>(
                   std::upper_bound(m_items.begin(), m_items.end(), item->startTime(), startsLater) - m_items.begin());
     Item* const added = insertItemAt(m_items, position, std::move(item));
@@ -84,7 +93,7 @@ ItemPtr Track::takeItemAtPosition(std::size_t position)
 // Null when the item is on another track.
 ItemPtr Track::takeOwnItem(const Item& item)
 {
-    const ItemIndex* const ordered = index();
+    const ItemIndex* const ordered = indexForChange();
     const std::size_t position =
         ordered ? ordered->positionOf(m_items, item)
                 : static_cast<std::size_t>(std::find_if(m_items.begin(), m_items.end(),
@@ -122,14 +131,14 @@ void Track::clearItems()
 
 void Track::setItemStartTime(Item& item, qint64 time)
 {
-    const ItemIndex* const ordered = index();
+    const ItemIndex* const ordered = indexForChange();
     const std::size_t from = ordered ? ordered->positionOf(m_items, item) : m_items.size();
     if (from == m_items.size()) {
         item._setStartTime(time);
         sort();
         return;
     }
-    const std::size_t to = ordered->positionAfterMove(from, time);
+    const std::size_t to = ordered->positionAfterMove(m_items, from, time);
     item.m_startTime = time;
     moveItemWithin(m_items, from, to);
     m_index->noteMove(m_items, from, to);
@@ -137,7 +146,7 @@ void Track::setItemStartTime(Item& item, qint64 time)
 
 void Track::setItemDuration(Item& item, int duration)
 {
-    const ItemIndex* const ordered = index();
+    const ItemIndex* const ordered = indexForChange();
     const std::size_t position = ordered ? ordered->positionOf(m_items, item) : m_items.size();
     if (position == m_items.size()) {
         item._setDuration(duration);

@@ -98,6 +98,28 @@ public:
         }
     }
 
+    /// What the model does to a large selection, with no question in between.
+    QString changesInARow()
+    {
+        for (int i = 0; i < 150; ++i) {
+            const int row = random(2);
+            putInOrder(row);
+            const int id = list(row).items[std::size_t(random(int(list(row).items.size())))].id;
+            const int kind = list(row).items.size() < 100 ? 0 : random(5);
+            if (kind == 0)
+                add();
+            else if (kind == 1)
+                remove(row, id);
+            else if (kind == 2)
+                move(row, id);
+            else if (kind == 3)
+                setDuration(row, id);
+            else
+                setStart(row, id);
+        }
+        return QStringLiteral("changes in a row");
+    }
+
     TestModel model;
 
 private:
@@ -323,6 +345,8 @@ void tst_item_index::listsAndQueriesEqualGoingThroughAllItems()
         // Some steps with no query between them.
         if (i % 3 == 0)
             done += QStringLiteral(" and ") + pair.step();
+        if (i % 20 == 0)
+            done += QStringLiteral(" and ") + pair.changesInARow();
         for (const int row : {0, 1}) {
             const Track& track = pair.track(row);
             const ItemList& list = pair.list(row);

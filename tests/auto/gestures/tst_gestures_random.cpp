@@ -33,6 +33,8 @@ private Q_SLOTS:
     void dropsAgreeWithTheReference();
     void nudgesAgreeWithTheReference_data() { addSizes(); }
     void nudgesAgreeWithTheReference();
+    void crowdsMovedTogetherAgreeWithTheReference();
+    void whatHasChangedSinceCountsForACrowd();
     void offsetsAgreeWithTheReference_data();
     void offsetsAgreeWithTheReference();
     void edgesAgreeWithTheReference_data();
@@ -120,6 +122,17 @@ struct Twins
         dt = !plain.isSnapEnabled() ? raw
                                     : Reference::snappedDelta(raw, plain.snapStep(), plain.snapTolerance(),
                                                               Reference::itemsInOrder(plain), {ids.begin(), ids.end()});
+    }
+    /// All items but a few, which move to where these are.
+    void dragCrowd()
+    {
+        for (JournalModel* const model : {&real.model, &plain})
+            model->setSnapEnabled(false);
+        drag(0);
+        ids = plain.itemIds();
+        for (int left = random.bounded(5); left > 0; --left)
+            ids.removeAt(random.bounded(ids.size()));
+        real.handler.m_dragItemIds = ids;
     }
     bool haveTheSameTimes() const
     {
@@ -212,6 +225,57 @@ void TestGesturesRandom::nudgesAgreeWithTheReference()
         }
     }
     QVERIFY(moved > 10);
+}
+
+void TestGesturesRandom::crowdsMovedTogetherAgreeWithTheReference()
+{
+    int moved = 0;
+    int backedOff = 0;
+    for (const int seed : {1, 2, 4, 5, 7, 8}) {
+        Twins twins(seed, 400, 60'000);
+        for (int round = 0; round < 6; ++round) {
+            twins.dragCrowd();
+            const bool isLeft = round % 2 == 0;
+            twins.real.view.selectItems(twins.ids, true);
+            QKeyEvent key = keyPress(isLeft ? Qt::Key_Left : Qt::Key_Right);
+            twins.real.handler.keyPressEvent(&key);
+            Reference::nudge(twins.plain, twins.ids, (isLeft ? -10 : 10) * twins.plain.snapStep());
+            moved += !twins.plain.journal.isEmpty();
+            backedOff += twins.plain.asked.size() > twins.ids.size();
+            QCOMPARE(twins.real.model.asked, twins.plain.asked);
+            QCOMPARE(twins.real.model.journal, twins.plain.journal);
+            QVERIFY(twins.haveTheSameTimes());
+            twins.forgetCalls();
+        }
+    }
+    QVERIFY(moved > 5);
+    QVERIFY(backedOff > 5);
+}
+
+void TestGesturesRandom::whatHasChangedSinceCountsForACrowd()
+{
+    int allowed = 0;
+    int refused = 0;
+    for (const int seed : {1, 2, 4, 5, 7, 8}) {
+        Twins twins(seed, 400, 60'000);
+        twins.dragCrowd();
+        for (int round = 0; round < 20; ++round) {
+            const bool isAllowed = Reference::canMove(twins.plain, twins.ids, twins.dt);
+            (isAllowed ? allowed : refused) += 1;
+            for (int again = 0; again < 2; ++again)
+                QCOMPARE(twins.real.handler.canMoveItemsTo(twins.to), isAllowed);
+            // One that stays goes out of the way or into it.
+            QVector<int> others = twins.plain.itemIds();
+            others.removeIf([&](int id) { return twins.ids.contains(id); });
+            const qint64 time = ViewFixture::origin + (round % 2 ? 30'000 : 3'000'000);
+            for (const int id : std::as_const(others)) {
+                twins.real.model.setItemStartTime(id, time);
+                twins.plain.setItemStartTime(id, time);
+            }
+        }
+    }
+    QVERIFY(allowed > 5);
+    QVERIFY(refused > 5);
 }
 
 void TestGesturesRandom::offsetsAgreeWithTheReference_data()
