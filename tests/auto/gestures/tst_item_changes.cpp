@@ -90,10 +90,10 @@ struct Fixture : LogHolder, ViewFixtureOf<AnnouncedModel>
         else
             view.selectHandler()->keyPressEvent(&event);
     }
-    void release(int second)
+    void release(int to)
     {
-        const QPoint to = pos(second, trackA);
-        QMouseEvent event(QEvent::MouseButtonRelease, to, to, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+        const QPoint point = pos(to, trackA);
+        QMouseEvent event(QEvent::MouseButtonRelease, point, point, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
         dragHandler.mouseReleaseEvent(&event);
     }
     QStringList errors() const
