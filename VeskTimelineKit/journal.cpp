@@ -6,10 +6,22 @@
 #include <VeskTimelineKit/journal.h>
 
 #include <QDateTime>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QThread>
 #include <QTimer>
 
 namespace VeskTimeline::Kit {
+
+namespace {
+
+void letGo(std::shared_ptr<const JournalDelta> delta)
+{
+    if (delta && delta->items.size() >= manyItems)
+        disposeInBackground(std::move(delta));
+}
+
+} // namespace
 
 struct JournalPrivate
 {
@@ -37,11 +49,14 @@ struct JournalPrivate
     const JournalOptions options;
     JournalChanges changes;
     QThread thread;
-    JournalWriter* writer; ///< destroyed by its thread
-    QTimer timer;
+    JournalWriter* writer;   ///< destroyed by its thread
+    QTimer timer;            ///< until what was touched is due
+    QTimer slices;           ///< while it is taken down
+    QDeadlineTimer patience; ///< until it is taken down in one go
     int generation = 0;
-    bool isStarted = false; ///< start() was called
-    bool hasBegun = false;  ///< there is something to write, or it has been
+    bool isStarted = false;  ///< start() was called
+    bool hasBegun = false;   ///< there is something to write, or it has been
+    bool isModified = false; ///< it is to be written before it is changed
     bool isBaseWritten = false;
     bool isFailing = false;     ///< writing changes
     bool isBaseFailing = false; ///< writing the base
@@ -56,7 +71,8 @@ struct JournalPrivate
 Journal::Journal(StandardTimelineModel& model, const QString& fileName, const JournalOptions& options, QObject* parent)
     : QObject(parent), d(std::make_unique<JournalPrivate>(model, fileName, options))
 {
-    connect(&d->timer, &QTimer::timeout, this, &Journal::append);
+    connect(&d->timer, &QTimer::timeout, this, &Journal::takeDown);
+    connect(&d->slices, &QTimer::timeout, this, &Journal::takeDownSlice);
     connect(&d->changes, &JournalChanges::touched, this, &Journal::onTouched);
     connect(&d->changes, &JournalChanges::modelReset, this, &Journal::onReset);
     connect(d->writer, &JournalWriter::appended, this, &Journal::onAppended);
@@ -73,8 +89,8 @@ Journal::~Journal()
 {
     disconnect(d->writer, nullptr, this, nullptr);
     // What the writer may refuse cannot be tried again; everything else it takes in order.
-    d->inFlight.reset();
-    if (!d->changes.isEmpty())
+    letGo(std::exchange(d->inFlight, {}));
+    if (d->isStarted && (!d->changes.isEmpty() || (d->isModified && !d->hasBegun)))
         append();
     QMetaObject::invokeMethod(d->writer, &JournalWriter::finish, Qt::BlockingQueuedConnection);
     d->thread.quit();
@@ -98,15 +114,19 @@ void Journal::start(std::shared_ptr<const Document> base, const QStringList& fil
     d->isStarted = true;
     d->base = std::move(base);
     d->fileNames = fileNames;
-    if (isModified) {
-        begin(!d->base);
-        d->timer.start(0);
-    }
+    d->isModified = isModified;
+    if (!isModified)
+        return;
+    if (d->base)
+        begin({});
+    d->timer.start(0);
 }
 
 void Journal::drop()
 {
     d->timer.stop();
+    d->slices.stop();
+    d->changes.cancelTaking();
     if (d->hasBegun)
         d->post([](JournalWriter& writer) { writer.drop(); });
     ++d->generation;
@@ -116,7 +136,8 @@ void Journal::drop()
     d->isFailing = false;
     d->isBaseFailing = false;
     d->isSaving = false;
-    d->inFlight.reset();
+    d->isModified = false;
+    letGo(std::exchange(d->inFlight, {}));
     d->base.reset();
 }
 
@@ -127,13 +148,9 @@ void Journal::onReset()
         start(nullptr, d->fileNames);
 }
 
-void Journal::begin(bool withEverything)
+void Journal::begin(JournalDelta&& everything)
 {
-    JournalBase base{std::move(d->base), {}};
-    if (withEverything) {
-        base.everything = d->changes.everything();
-        d->changes.restart();
-    }
+    JournalBase base{std::move(d->base), std::move(everything)};
     d->hasBegun = true;
     d->post([generation = d->generation, base = std::make_shared<const JournalBase>(std::move(base)),
              fileNames = d->fileNames](JournalWriter& writer) { writer.start(generation, base, fileNames); });
@@ -153,29 +170,71 @@ void Journal::onTouched()
         return;
     // The base has its time until the change is due.
     if (!d->hasBegun && d->base)
-        begin(false);
-    if (!d->timer.isActive() && !d->inFlight)
+        begin({});
+    if (!d->inFlight && !d->changes.isTaking())
+        schedule();
+}
+
+// Much takes a while, which is to be over in time.
+void Journal::schedule()
+{
+    const bool isMuch = d->changes.itemCount() >= static_cast<int>(manyItems);
+    if (isMuch && !d->isFailing)
+        d->timer.start(0);
+    else if (!d->timer.isActive())
         d->timer.start(d->options.interval);
 }
 
 void Journal::flush()
 {
-    if (d->timer.isActive()) {
-        d->timer.stop();
+    if (d->timer.isActive() || d->changes.isTaking())
         append();
-    }
 }
 
+// Whether there is anything.
+bool Journal::beginTaking()
+{
+    if (!d->isStarted || d->inFlight || (!d->hasBegun && !d->isModified && d->changes.isEmpty()))
+        return false;
+    d->changes.beginTaking(d->hasBegun ? JournalChanges::Extent::Touched : JournalChanges::Extent::Everything);
+    d->patience.setRemainingTime(d->options.patience);
+    return true;
+}
+
+void Journal::takeDown()
+{
+    if (!d->changes.isTaking() && beginTaking())
+        takeDownSlice();
+}
+
+void Journal::takeDownSlice()
+{
+    const int step = d->options.slice.count() > 0 ? 500 : 1;
+    QElapsedTimer time;
+    time.start();
+    bool isDone = d->changes.hasBegunAnew() && d->patience.hasExpired();
+    while (!isDone) {
+        isDone = d->changes.advanceTaking(step);
+        if (time.elapsed() >= d->options.slice.count())
+            break;
+    }
+    if (isDone)
+        append();
+    else if (!d->slices.isActive())
+        d->slices.start(0);
+}
+
+// What is not taken down yet is taken down in one go.
 void Journal::append()
 {
-    if (!d->isStarted || d->inFlight)
+    d->timer.stop();
+    d->slices.stop();
+    if (!d->changes.isTaking() && !beginTaking())
         return;
-    const bool isFirst = !d->hasBegun;
-    if (isFirst && d->changes.isEmpty())
-        return;
-    if (isFirst)
-        begin(true);
-    d->inFlight = std::make_shared<const JournalDelta>(d->changes.take());
+    JournalDelta delta = d->changes.finishTaking();
+    if (!d->hasBegun)
+        begin(std::exchange(delta, {}));
+    d->inFlight = std::make_shared<const JournalDelta>(std::move(delta));
     d->post([delta = d->inFlight, time = QDateTime::currentMSecsSinceEpoch()](JournalWriter& writer) {
         writer.append(*delta, time);
     });
@@ -184,15 +243,18 @@ void Journal::append()
 void Journal::markSaved(quint64 revision)
 {
     d->savedRevision = revision;
-    flush();
-    d->isSaving = d->hasBegun;
+    if (d->timer.isActive()) {
+        d->timer.stop();
+        takeDown();
+    }
+    d->isSaving = d->hasBegun || d->changes.isTaking();
     finishWrite();
 }
 
 // What follows when all that was changed has been written.
 void Journal::finishWrite()
 {
-    if (d->inFlight || d->timer.isActive() || !d->changes.isEmpty())
+    if (d->inFlight || d->timer.isActive() || d->changes.isTaking() || !d->changes.isEmpty())
         return;
     if (std::exchange(d->isSaving, false) && d->savedRevision == d->revision)
         d->post([](JournalWriter& writer) { writer.markSaved(); });
@@ -204,12 +266,10 @@ void Journal::onAppended(int generation)
 {
     if (generation != d->generation)
         return;
-    if (d->inFlight && d->inFlight->items.size() >= manyItems)
-        disposeInBackground(std::move(d->inFlight));
-    d->inFlight.reset();
+    letGo(std::exchange(d->inFlight, {}));
     succeed(d->isFailing);
     if (!d->changes.isEmpty())
-        d->timer.start(d->options.interval);
+        schedule();
     finishWrite();
 }
 
@@ -217,7 +277,8 @@ void Journal::onRejected(int generation, const QString& reason)
 {
     if (generation != d->generation)
         return;
-    d->changes.putBack(*std::exchange(d->inFlight, {}));
+    d->changes.putBack(*d->inFlight);
+    letGo(std::exchange(d->inFlight, {}));
     d->timer.start(d->options.retryInterval);
     fail(d->isFailing, reason);
 }

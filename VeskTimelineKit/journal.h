@@ -11,6 +11,7 @@
 namespace VeskTimeline::Kit {
 
 class StandardTimelineModel;
+struct JournalDelta;
 struct JournalPrivate;
 
 /// How often a journal is written, and when it is made smaller. The defaults are for use; tests are in a hurry.
@@ -20,13 +21,18 @@ struct JournalOptions
     std::chrono::milliseconds retryInterval{5000}; ///< after a failure
     qint64 compactionFloor = 16 * 1024 * 1024; ///< bytes; a journal is not made smaller before it is longer than that
     int compactionFactor = 4;                  ///< and than its base, that many times
+    std::chrono::milliseconds slice{
+        10}; ///< for how long the event loop may be held up at a time; 0: as short as can be
+    std::chrono::milliseconds patience{700}; ///< with changes that follow each other faster than they can be taken down
 };
 
 /// Writes every change of a model to a file while it is made, so that after a crash readJournal() brings it back.
 ///
 /// Nothing is written before the first change. Then the document as it was before, the base, goes into a file beside
 /// the journal, and each change is appended to the journal within interval of its start, as much as has changed, and is
-/// forced to the disk. All writing happens in a thread of its own, without regard to the size of the document.
+/// forced to the disk. All writing happens in a thread of its own, without regard to the size of the document. What is
+/// to be written is taken down on the thread of the model, in slices from the event loop; what is changed meanwhile
+/// goes into the same change. Only when the changes leave no time for that, it is taken down in one go.
 ///
 /// When writing fails, as on a full disk, failed() is emitted once, the changes are kept in mind, and writing is tried
 /// again every retryInterval until it works, which resumed() tells.
@@ -49,8 +55,7 @@ public:
 
     /// Forgets, and removes, what was written before; from now on changes are written.
     /// @param base the very document that StandardTimelineModel::setDocument() was given, with no change made since:
-    /// the ids of tracks and items follow from it. Null: the whole model is taken, on the GUI thread, at the first
-    /// change
+    /// the ids of tracks and items follow from it. Null: the whole model is taken, in slices, at the first change
     /// @param fileNames that the document was read from, for whoever recovers it
     /// @param isModified write at once, without waiting for a change: what is shown is in no file
     void start(std::shared_ptr<const Document> base, const QStringList& fileNames, bool isModified = false);
@@ -61,7 +66,7 @@ public:
     /// The document of a revision is in a file now: unless there has been another change since, there is nothing to
     /// recover until the next one.
     void markSaved(quint64 revision);
-    /// Has what is waiting written now.
+    /// Has what is waiting written now, and takes it down in one go.
     void flush();
     /// Removes all that was written and stops until start() is called.
     void drop();
@@ -82,7 +87,11 @@ private:
     void onLost(int generation);
     void fail(bool& isFailing, const QString& reason);
     void succeed(bool& isFailing);
-    void begin(bool withEverything);
+    void begin(JournalDelta&& everything);
+    void schedule();
+    bool beginTaking();
+    void takeDown();
+    void takeDownSlice();
     void append();
     void finishWrite();
 

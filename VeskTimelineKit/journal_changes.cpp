@@ -1,31 +1,11 @@
-#include "document_of_tracks_p.h"
-#include "id_table_p.h"
 #include "journal_changes_p.h"
 #include "undo_contents_p.h"
 
 #include <VeskTimelineKit/standard_timeline_model.h>
 
-#include <algorithm>
-#include <map>
+#include <limits>
 
 namespace VeskTimeline::Kit {
-
-namespace {
-
-JournalItem journalItem(const Item& item, int trackId, int position)
-{
-    const auto* const labelled = dynamic_cast<const LabelledItem*>(&item);
-    return {item.id(), trackId, position, labelled ? labelled->piece() : ItemPiece(), documentItemOf(item)};
-}
-
-QVector<int> sorted(const QSet<int>& ids)
-{
-    QVector<int> list(ids.begin(), ids.end());
-    std::sort(list.begin(), list.end());
-    return list;
-}
-
-} // namespace
 
 JournalChanges::JournalChanges(StandardTimelineModel& model, QObject* parent) : QObject(parent), m_model(&model)
 {
@@ -49,7 +29,7 @@ void JournalChanges::connectModel()
     connect(model, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex& first, const QModelIndex& last) {
         for (int row = first.row(); row <= last.row(); ++row)
             m_details.insert(static_cast<int>(first.siblingAtRow(row).internalId()));
-        Q_EMIT touched();
+        onTouched();
     });
     connect(model, &QAbstractItemModel::modelReset, this, [this] {
         restart();
@@ -59,10 +39,12 @@ void JournalChanges::connectModel()
 
 void JournalChanges::restart()
 {
+    cancelTaking();
     m_items.clear();
     m_places.clear();
     m_details.clear();
     m_known.clear();
+    m_takenItems.clear();
     if (m_model)
         rememberSubtree(*std::as_const(*m_model).rootTrack());
 }
@@ -75,7 +57,7 @@ bool JournalChanges::isEmpty() const
 void JournalChanges::touchItems(const QVector<int>& itemIds)
 {
     m_items.insert(itemIds);
-    Q_EMIT touched();
+    onTouched();
 }
 
 void JournalChanges::touchRows(const QModelIndex& parent, int first, int last, bool withSubtree)
@@ -87,7 +69,7 @@ void JournalChanges::touchRows(const QModelIndex& parent, int first, int last, b
         if (track)
             touchSubtree(*track);
     }
-    Q_EMIT touched();
+    onTouched();
 }
 
 void JournalChanges::touchSubtree(const Track& track)
@@ -125,22 +107,60 @@ JournalTrack JournalChanges::placed(const Track& track) const
     return {track.id(), parent.id(), parent.rowOfTrack(track.id()), details.name, details.color};
 }
 
-JournalDelta JournalChanges::take()
+// What is taken down already may be another state than what follows.
+void JournalChanges::onTouched()
 {
-    JournalDelta delta;
+    m_hasBegunAnew = isTaking();
+    m_taking.reset();
+    Q_EMIT touched();
+}
+
+void JournalChanges::beginTaking(Extent extent)
+{
+    cancelTaking();
+    m_extent = extent;
+}
+
+bool JournalChanges::advanceTaking(int count)
+{
     if (!m_model)
-        return delta;
-    takeTracks(delta);
-    takeItems(delta);
+        return true;
+    if (!m_taking && m_extent == Extent::Everything)
+        m_taking = std::make_unique<EverythingTaking>(*m_model);
+    else if (!m_taking)
+        m_taking = std::make_unique<TouchedItemsTaking>(*m_model, m_takenItems = m_items.ids());
+    return m_taking->advance(count);
+}
+
+JournalDelta JournalChanges::finishTaking()
+{
+    // Half of what a model was is nothing that was.
+    if (!m_model)
+        m_taking.reset();
+    while (!advanceTaking(std::numeric_limits<int>::max())) {
+    }
+    JournalDelta delta = m_taking ? std::move(*m_taking).delta() : JournalDelta();
+    if (m_model && m_extent == Extent::Touched)
+        takeTracks(delta);
+    if (m_extent == Extent::Everything)
+        restart();
+    cancelTaking();
     m_items.clear();
     m_places.clear();
     m_details.clear();
     return delta;
 }
 
+void JournalChanges::cancelTaking()
+{
+    m_extent.reset();
+    m_taking.reset();
+    m_hasBegunAnew = false;
+}
+
 void JournalChanges::takeTracks(JournalDelta& delta)
 {
-    for (const int id : sorted(m_places)) {
+    for (const int id : sortedIds(m_places)) {
         const Track* const track = existing(id);
         if (track) {
             delta.tracks.push_back(placed(*track));
@@ -151,7 +171,7 @@ void JournalChanges::takeTracks(JournalDelta& delta)
     }
     // The root has no row whose data could change.
     m_details.insert(std::as_const(*m_model).rootTrack()->id());
-    for (const int id : sorted(m_details)) {
+    for (const int id : sortedIds(m_details)) {
         const Track* const track = existing(id);
         if (!track)
             continue;
@@ -160,55 +180,14 @@ void JournalChanges::takeTracks(JournalDelta& delta)
         if (!m_places.contains(id) && (!before.isTold || now.name != before.name || now.color != before.color))
             delta.tracks.push_back({id, -1, 0, now.name, now.color});
         if (!before.isTold || now.copies != before.copies)
-            delta.copies.push_back({id, sorted(now.copies)});
+            delta.copies.push_back({id, sortedIds(now.copies)});
         m_known.insert(id, now);
-    }
-}
-
-void JournalChanges::takeItems(JournalDelta& delta)
-{
-    const QVector<int> itemIds = m_items.ids();
-    const IdTable wanted(itemIds);
-    std::map<int, std::vector<qint64>> startsByTrack;
-    for (const int id : itemIds) {
-        if (const Item* const item = ModelContents::findItem(*m_model, id))
-            startsByTrack[item->parentTrackId()].push_back(item->startTime());
-        else
-            delta.removedItems.append(id);
-    }
-    delta.items.reserve(static_cast<std::size_t>(itemIds.size() - delta.removedItems.size()));
-    for (auto& [trackId, starts] : startsByTrack)
-        addTrackItems(*std::as_const(*m_model).track(trackId), std::move(starts), wanted, delta);
-}
-
-// Looks at the items that start together with one of them, and at no others.
-void JournalChanges::addTrackItems(const Track& track, std::vector<qint64> starts, const IdTable& wanted,
-                                   JournalDelta& delta)
-{
-    const auto startsEarlier = [](const ItemPtr& item, qint64 time) { return item->startTime() < time; };
-    if (!std::is_sorted(starts.begin(), starts.end()))
-        std::sort(starts.begin(), starts.end());
-    starts.erase(std::unique(starts.begin(), starts.end()), starts.end());
-
-    const Items& items = track.items();
-    auto item = items.begin();
-    for (const qint64 start : starts) {
-        // The next one is more often than not the one wanted.
-        if (item != items.end() && (*item)->startTime() < start)
-            item = std::lower_bound(item, items.end(), start, startsEarlier);
-        for (; item != items.end() && (*item)->startTime() == start; ++item) {
-            if (wanted.contains((*item)->id()))
-                delta.items.push_back(journalItem(**item, track.id(), static_cast<int>(item - items.begin())));
-        }
     }
 }
 
 void JournalChanges::putBack(const JournalDelta& delta)
 {
-    for (const int id : delta.removedItems)
-        m_items.insert(id);
-    for (const JournalItem& item : delta.items)
-        m_items.insert(item.id);
+    m_items.insert(m_takenItems);
     for (const int id : delta.removedTracks)
         m_places.insert(id);
     for (const JournalTrack& track : delta.tracks) {
@@ -221,28 +200,6 @@ void JournalChanges::putBack(const JournalDelta& delta)
         m_details.insert(copies.trackId);
         m_known[copies.trackId].isTold = false;
     }
-}
-
-JournalDelta JournalChanges::everything() const
-{
-    JournalDelta delta;
-    if (m_model)
-        addSubtree(*std::as_const(*m_model).rootTrack(), 0, delta);
-    return delta;
-}
-
-void JournalChanges::addSubtree(const Track& track, int row, JournalDelta& delta) const
-{
-    const Known details = detailsOf(track);
-    if (track.parentId() >= 0)
-        delta.tracks.push_back({track.id(), track.parentId(), row, details.name, details.color});
-    for (const ItemPtr& item : track.items())
-        delta.items.push_back(journalItem(*item, track.id(), JournalItem::last));
-    if (!details.copies.isEmpty())
-        delta.copies.push_back({track.id(), sorted(details.copies)});
-    int childRow = 0;
-    for (const TrackPtr& child : track.tracks())
-        addSubtree(*child, childRow++, delta);
 }
 
 } // namespace VeskTimeline::Kit

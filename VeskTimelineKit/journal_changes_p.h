@@ -3,12 +3,15 @@
 // Internal to the kit; not installed.
 
 #include "id_set_p.h"
-#include "journal_records_p.h"
+#include "journal_taking_p.h"
 
 #include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QSet>
+
+#include <memory>
+#include <optional>
 
 class QModelIndex;
 
@@ -17,9 +20,6 @@ class Track;
 }
 
 namespace VeskTimeline::Kit {
-
-class IdTable;
-class StandardTimelineModel;
 
 /// Remembers what has been changed in a model, by its signals, and says on request what has become of it. It costs as
 /// much as has changed, however large the model is.
@@ -35,12 +35,26 @@ public:
     /// Forgets what has been changed; the model as it is now is what later changes are to.
     void restart();
     bool isEmpty() const;
-    /// What has become of all that was touched, which is forgotten then.
-    JournalDelta take();
-    /// Remembers again what a delta is about, which has come to nothing.
+    /// How many items were touched.
+    int itemCount() const { return m_items.size(); }
+
+    /// What to take down: what has become of all that was touched, or the whole model.
+    enum class Extent { Touched, Everything };
+    /// Begins to take down. A change of the model meanwhile makes it begin anew, with what was touched then, too.
+    void beginTaking(Extent extent);
+    bool isTaking() const { return m_extent.has_value(); }
+    /// Whether it had to begin anew.
+    bool hasBegunAnew() const { return m_hasBegunAnew; }
+    /// Goes on. Only when isTaking().
+    /// @param count see JournalTaking::advance()
+    /// @return whether all is taken down
+    bool advanceTaking(int count);
+    /// What was taken down, all of it; nothing counts as touched then. Only when isTaking().
+    JournalDelta finishTaking();
+    void cancelTaking();
+
+    /// Remembers again what has been taken down last, which has come to nothing.
     void putBack(const JournalDelta& delta);
-    /// The whole model, parents before children and items in their order.
-    JournalDelta everything() const;
 
 Q_SIGNALS:
     void touched();
@@ -66,16 +80,17 @@ private:
     static Known detailsOf(const Track& track);
     JournalTrack placed(const Track& track) const;
     void takeTracks(JournalDelta& delta);
-    void takeItems(JournalDelta& delta);
-    static void addTrackItems(const Track& track, std::vector<qint64> starts, const IdTable& wanted,
-                              JournalDelta& delta);
-    void addSubtree(const Track& track, int row, JournalDelta& delta) const;
+    void onTouched();
 
     QPointer<StandardTimelineModel> m_model;
     IdSet m_items;
     QSet<int> m_places;  ///< tracks that have been inserted, removed or moved
     QSet<int> m_details; ///< tracks that may say something else now
     QHash<int, Known> m_known;
+    std::optional<Extent> m_extent;          ///< while something is taken down
+    std::unique_ptr<JournalTaking> m_taking; ///< null: it is to begin anew
+    bool m_hasBegunAnew = false;
+    QVector<int> m_takenItems; ///< that were touched before what was taken down last
 };
 
 } // namespace VeskTimeline::Kit

@@ -54,10 +54,13 @@ private Q_SLOTS:
         QTest::addColumn<quint32>("seed");
         QTest::addColumn<bool>("hasBase");
         QTest::addColumn<bool>("isCompacted");
+        QTest::addColumn<bool>("isSliced");
         for (quint32 seed = 1; seed <= 10; ++seed) {
-            QTest::addRow("seed %u", seed) << seed << true << false;
-            QTest::addRow("seed %u, from the model", seed) << seed << false << false;
-            QTest::addRow("seed %u, made smaller", seed) << seed << true << true;
+            QTest::addRow("seed %u", seed) << seed << true << false << false;
+            QTest::addRow("seed %u, from the model", seed) << seed << false << false << false;
+            QTest::addRow("seed %u, made smaller", seed) << seed << true << true << false;
+            QTest::addRow("seed %u, in slices", seed) << seed << true << false << true;
+            QTest::addRow("seed %u, from the model, in slices", seed) << seed << false << false << true;
         }
     }
     void whateverIsDoneCanBeRecovered()
@@ -65,9 +68,11 @@ private Q_SLOTS:
         QFETCH(quint32, seed);
         QFETCH(bool, hasBase);
         QFETCH(bool, isCompacted);
+        QFETCH(bool, isSliced);
         QTemporaryDir folder;
         JournalOptions options;
-        options.interval = 1ms;
+        options.interval = isSliced ? 0ms : 1ms;
+        options.slice = isSliced ? 0ms : options.slice;
         options.compactionFloor = isCompacted ? 3000 : options.compactionFloor;
         options.compactionFactor = 1;
         const QString fileName = folder.filePath("a.journal");
@@ -77,18 +82,26 @@ private Q_SLOTS:
         model.setDocument(*base);
         Journal journal(model, fileName, options);
         journal.start(hasBase ? base : nullptr, {"a.csv"});
+        quint64 writtenRevision = 0;
         QSignalSpy written(&journal, &Journal::written);
+        connect(&journal, &Journal::written, &journal, [&] { writtenRevision = journal.revision(); });
         QSignalSpy failed(&journal, &Journal::failed);
         RandomUser user(model, seed);
         int comparisons = 0;
         for (int round = 0; round < 25; ++round) {
             const quint64 before = journal.revision();
-            for (int i = user.number(4); i >= 0; --i)
+            for (int i = user.number(4); i >= 0; --i) {
                 act(user, model);
+                // Some of it is taken down before what follows.
+                for (int turn = user.number(8); isSliced && turn > 0; --turn)
+                    QCoreApplication::processEvents();
+            }
             if (journal.revision() == before)
                 continue;
-            journal.flush();
-            QVERIFY(written.wait());
+            if (!isSliced)
+                journal.flush();
+            while (writtenRevision != journal.revision())
+                QVERIFY(written.wait());
             compare(fileName, model);
             ++comparisons;
         }
