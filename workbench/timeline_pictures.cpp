@@ -11,7 +11,9 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 #include <VeskTimelineKit/write_options.h>
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -82,6 +84,34 @@ void runWithProgress(MainWindow& window, PictureExport* picture, const QString& 
     picture->start();
 }
 
+// Whoever asks for the pages waits for them. What takes longer than a moment shows how far it is, answers meanwhile,
+// and can be cancelled.
+std::optional<FileError> runHere(MainWindow& window, PictureExport& pages)
+{
+    constexpr int moment = 50; // milliseconds
+    constexpr int steps = 1000;
+    QElapsedTimer time;
+    time.start();
+    std::unique_ptr<QProgressDialog> progress;
+    return pages.run([&](double share) {
+        if (!progress && time.elapsed() >= moment) {
+            progress = std::make_unique<QProgressDialog>(MainWindow::tr("Painting the pages…"),
+                                                         MainWindow::tr("Cancel"), 0, steps, &window);
+            progress->setObjectName(QStringLiteral("pagesProgress"));
+            progress->setWindowModality(Qt::WindowModal);
+            progress->setAutoClose(false);
+            progress->setAutoReset(false);
+            progress->show();
+        }
+        if (!progress)
+            return true;
+        progress->setValue(static_cast<int>(share * steps));
+        // It lets events in only when there is something new to show.
+        QCoreApplication::processEvents();
+        return !progress->wasCanceled();
+    });
+}
+
 PictureOptions printOptions(const MainWindow& window, const QPrinter& printer)
 {
     const PictureContext context = pictureContext(window);
@@ -138,7 +168,7 @@ void preparePrinter(QPrinter& printer)
 QString paintPages(MainWindow& window, QPrinter& printer)
 {
     PictureExport pages(*window.model(), printer, printOptions(window, printer));
-    const std::optional<FileError> error = pages.run();
+    const std::optional<FileError> error = runHere(window, pages);
     return error ? error->reason : QString();
 }
 
@@ -175,9 +205,12 @@ void previewPrint(MainWindow& window)
     printer->setDocName(pictureContext(window).title);
     auto* const dialog = new QPrintPreviewDialog(printer.get(), &window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, &window, [&window](QPrinter* target) {
+    QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, &window, [&window, dialog](QPrinter* target) {
         const QString reason = paintPages(window, *target);
-        if (!reason.isEmpty())
+        // Some of the pages would pass for all. It is asked for them while it is being shown, too early to be closed.
+        if (reason == writingCancelledReason())
+            QMetaObject::invokeMethod(dialog, &QDialog::reject, Qt::QueuedConnection);
+        else if (!reason.isEmpty())
             sayThereIsNoPicture(window, reason);
     });
     QObject::connect(dialog, &QObject::destroyed, [printer] {});

@@ -15,9 +15,11 @@
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QSet>
 #include <QSpinBox>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -42,6 +44,19 @@ Document document()
     document.track({"Ship"}).items.push_back({"voyage", origin, 20 * hour, {}});
     document.track({"Ship", "Deck"}).items.push_back({"watch", origin, 4 * hour, {}});
     document.track({"Shore"}).items.push_back({"rest", origin, 40 * hour, {}});
+    return document;
+}
+
+/// Takes longer than a moment to paint.
+Document manyPages()
+{
+    constexpr int tracks = 1500;
+    constexpr int items = 60;
+    Document document;
+    for (int track = 0; track < tracks; ++track)
+        for (int i = 0; i < items; ++i)
+            document.track({QString("Track %1").arg(track)})
+                .items.push_back({QString::number(i), origin + i * hour, int(hour), {}});
     return document;
 }
 
@@ -254,6 +269,52 @@ private Q_SLOTS:
         QTRY_VERIFY(dialog->isVisible());
         dialog->close();
         QTRY_VERIFY(!m_window->findChild<QPrintPreviewDialog*>());
+    }
+
+    void aLongPreviewOfThePrintShowsItsProgress()
+    {
+        m_window->showDocument(manyPages(), {});
+        QStringList labels;
+        QSet<int> values;
+        QTimer look;
+        connect(&look, &QTimer::timeout, &look, [&] {
+            const auto* const progress = m_window->findChild<QProgressDialog*>("pagesProgress");
+            if (!progress || !progress->isVisible())
+                return;
+            labels.append(progress->labelText());
+            values.insert(progress->value());
+            QVERIFY(progress->isModal());
+        });
+        look.start(0);
+        m_window->findChild<QAction*>("print_preview")->trigger();
+        const auto* const dialog = m_window->findChild<QPrintPreviewDialog*>();
+        QVERIFY(dialog);
+        QTRY_VERIFY(dialog->isVisible());
+        const auto* const pages = dialog->findChild<QPrintPreviewWidget*>();
+        QTRY_VERIFY_WITH_TIMEOUT(pages->pageCount() > 30, 60'000);
+        QVERIFY(!m_window->findChild<QProgressDialog*>("pagesProgress"));
+        QVERIFY(!labels.isEmpty());
+        QCOMPARE(labels.constFirst(), "Painting the pages…");
+        QVERIFY(values.size() > 3);
+    }
+
+    void aLongPreviewOfThePrintCanBeCancelled()
+    {
+        m_window->showDocument(manyPages(), {});
+        bool isCancelled = false;
+        QTimer look;
+        connect(&look, &QTimer::timeout, &look, [&] {
+            auto* const progress = m_window->findChild<QProgressDialog*>("pagesProgress");
+            if (progress && progress->isVisible() && !std::exchange(isCancelled, true))
+                QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
+        });
+        look.start(0);
+        m_window->findChild<QAction*>("print_preview")->trigger();
+        QVERIFY(m_window->findChild<QPrintPreviewDialog*>());
+        QTRY_VERIFY(!m_window->findChild<QPrintPreviewDialog*>());
+        QVERIFY(isCancelled);
+        QVERIFY(!m_window->findChild<QProgressDialog*>("pagesProgress"));
+        QVERIFY(!m_window->findChild<QMessageBox*>("noPicture"));
     }
 
 private:
