@@ -97,9 +97,36 @@ private Q_SLOTS:
             qInfo("100,000 items added in %lld ms, on the disk: %lld ms, longest block %lld ms", change,
                   timer.elapsed(), meter.longest());
         }
+        {
+            model.addDocument(PreparedDocument(*document));
+            BlockMeter meter;
+            timer.start();
+            QVERIFY(written.wait(60'000));
+            qInfo("a million items added, on the disk: %lld ms, longest block %lld ms", timer.elapsed(),
+                  meter.longest());
+        }
         timer.start();
         QVERIFY(readJournal(journal.fileName()));
         qInfo("recovered in %lld ms", timer.elapsed());
+    }
+
+    void aMillionItemsWithoutABase()
+    {
+        const QTemporaryDir folder;
+        StandardTimelineModel model;
+        model.setDocument(*manyItems());
+        Journal journal(model, folder.filePath(QStringLiteral("a.journal")));
+        QSignalSpy written(&journal, &Journal::written);
+        journal.start(nullptr, {});
+        model.setItemLabel(5, QStringLiteral("x"));
+        BlockMeter meter;
+        QElapsedTimer timer;
+        timer.start();
+        while (QFileInfo(journal.fileName()).size() == 0)
+            QTest::qWait(1);
+        qInfo("first change in the journal: %lld ms", timer.elapsed());
+        QVERIFY(written.wait(60'000));
+        qInfo("base on the disk: %lld ms, longest block %lld ms", timer.elapsed(), meter.longest());
     }
 };
 

@@ -116,13 +116,14 @@ void DocumentExtent::include(const Item& item) const
 
 namespace {
 
-template <typename Visit>
-void visitItems(const Track& track, const Visit& visit)
+/// What `find` finds on the first track from the top where it finds one; -1 when there is none.
+template <typename Find>
+int findItem(const Track& track, const Find& find)
 {
-    for (const ItemPtr& item : track.items())
-        visit(*item);
-    for (const TrackPtr& child : track.tracks())
-        visitItems(*child, visit);
+    int id = track.items().empty() ? -1 : find(track.items());
+    for (auto child = track.tracks().begin(); id < 0 && child != track.tracks().end(); ++child)
+        id = findItem(**child, find);
+    return id;
 }
 
 } // namespace
@@ -131,10 +132,35 @@ void DocumentExtent::update() const
 {
     if (m_isKnown)
         return;
-    m_first = -1;
-    m_last = -1;
-    visitItems(*m_model->rootTrack(), [this](const Item& item) { include(item); });
     m_isKnown = true;
+    // The model knows it of all tracks that have not been changed.
+    const std::optional<TimeSpan> span = m_model->span();
+    if (!span) {
+        m_first = -1;
+        m_last = -1;
+        return;
+    }
+    m_span = *span;
+    m_first = findItem(*m_model->rootTrack(), [start = m_span.start](const Items& items) {
+        return items.front()->startTime() == start ? items.front()->id() : -1;
+    });
+    findLast();
+}
+
+// The one that ended last may still do; else it is as a rule one that starts last on its track.
+void DocumentExtent::findLast() const
+{
+    const auto isLast = [end = m_span.end](const ItemPtr& item) { return endOf(*item) == end; };
+    if (m_last >= 0 && m_model->hasItem(m_last) && endOf(*m_model->item(m_last)) == m_span.end)
+        return;
+    m_last = findItem(*m_model->rootTrack(),
+                      [&isLast](const Items& items) { return isLast(items.back()) ? items.back()->id() : -1; });
+    if (m_last >= 0)
+        return;
+    m_last = findItem(*m_model->rootTrack(), [&isLast](const Items& items) {
+        const auto found = std::find_if(items.begin(), items.end(), isLast);
+        return found != items.end() ? (*found)->id() : -1;
+    });
 }
 
 void DocumentExtent::announce()

@@ -19,7 +19,7 @@ namespace Workbench {
 /// From when until when the items of a model reach, kept up to date while they are edited.
 ///
 /// An edit costs as much as the items that it is about; only when the first or the last item gives way, or thousands
-/// change at once, all of them are looked at, and then not before somebody asks or the event loop is reached.
+/// change at once, whole tracks are looked at, and then not before somebody asks or the event loop is reached.
 class DocumentExtent : public QObject
 {
     Q_OBJECT
@@ -30,7 +30,7 @@ public:
 
     /// From the earliest start to the latest end; an open-ended item ends where it starts. Nothing without items.
     std::optional<VeskTimeline::Kit::TimeSpan> span() const;
-    /// The item that starts first and the one that ends last; -1 without items.
+    /// An item that starts first and one that ends last; -1 without items.
     int firstItem() const;
     int lastItem() const;
 
@@ -45,6 +45,7 @@ private:
     void invalidate();
     void include(const VeskTimeline::Item& item) const;
     void update() const;
+    void findLast() const;
     void announce();
 
     const VeskTimeline::Kit::StandardTimelineModel* m_model;

@@ -137,7 +137,7 @@ private Q_SLOTS:
         Scene scene;
         scene.changeAll("changed");
         Scene::takeSome();
-        scene.model.removeTracks({1});
+        scene.model.removeTrack(1);
         Scene::takeSome();
         scene.model.insertTrack(0, 0, "new");
         QVERIFY(scene.write());
@@ -153,7 +153,7 @@ private Q_SLOTS:
         connect(&timer, &QTimer::timeout, &timer, [&] { ++turns; });
         timer.start(0);
         Scene::takeSome();
-        scene.model.removeTracks({1});
+        scene.model.removeTrack(1);
         scene.model.setItemLabel(itemsPerTrack, "second");
         QVERIFY(scene.write());
         QVERIFY2(turns > itemsPerTrack, qPrintable(QString::number(turns)));
