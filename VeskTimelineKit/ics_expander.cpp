@@ -75,8 +75,12 @@ std::vector<IcsOccurrence> IcsExpander::expand(const IcsEvent& event, const IcsZ
     add(event.start, zones.toUtc(event.start), icsDurationAt(event, event.start, zones));
     for (const IcsRecurrenceDate& date : event.dates)
         addDate(date);
-    for (const QByteArray& rule : event.rules)
-        addRule(rule, progress);
+    // With no room left for the start there is none for what a rule tells.
+    const bool isFull = m_left == 0 && m_cuts.isByNumber;
+    for (const QByteArray& rule : event.rules) {
+        if (!isFull)
+            addRule(rule, progress);
+    }
 
     std::vector<IcsOccurrence> occurrences;
     occurrences.reserve(m_found.size());

@@ -296,8 +296,9 @@ void IcsDocumentBuilder::noteCuts(const IcsEvent& event, const IcsExpander::Cuts
         m_warnings.addMade(
             event.line, [this] { return Tr::tr("occurrences after %1 are left out").arg(formatTime(span().end - 1)); });
     if (cuts.isByNumber)
-        m_warnings.add(event.line,
-                       Tr::tr("more than %1 occurrences; the rest are left out").arg(IcsExpander::mostOccurrences));
+        m_warnings.addMade(event.line, [] {
+            return Tr::tr("more than %1 occurrences; the rest are left out").arg(IcsExpander::mostOccurrences);
+        });
     if (cuts.isByEffort)
         m_warnings.add(event.line, Tr::tr("the recurrence cannot be followed to its end; the rest are left out"));
 }
