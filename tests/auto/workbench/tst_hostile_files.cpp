@@ -26,7 +26,7 @@ constexpr unsigned int mostSeconds = 10;
 constexpr int manyParts = 1000000;
 #else
 constexpr unsigned int mostSeconds = 30;
-constexpr int manyParts = 1000000;
+constexpr int manyParts = 300000;
 #endif
 // By a clock on the wall: a machine that is busy with other things takes several times as long.
 constexpr unsigned int longestWait = mostSeconds * 4;
