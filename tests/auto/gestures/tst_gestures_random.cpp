@@ -130,7 +130,7 @@ struct Twins
             model->setSnapEnabled(false);
         drag(0);
         ids = plain.itemIds();
-        for (int left = random.bounded(5); left > 0; --left)
+        for (int left = random.bounded(3); left > 0; --left)
             ids.removeAt(random.bounded(ids.size()));
         real.handler.m_dragItemIds = ids;
     }
@@ -230,7 +230,7 @@ void TestGesturesRandom::nudgesAgreeWithTheReference()
 void TestGesturesRandom::crowdsMovedTogetherAgreeWithTheReference()
 {
     int moved = 0;
-    int backedOff = 0;
+    int held = 0;
     for (const int seed : {1, 2, 4, 5, 7, 8}) {
         Twins twins(seed, 400, 60'000);
         for (int round = 0; round < 6; ++round) {
@@ -241,7 +241,7 @@ void TestGesturesRandom::crowdsMovedTogetherAgreeWithTheReference()
             twins.real.handler.keyPressEvent(&key);
             Reference::nudge(twins.plain, twins.ids, (isLeft ? -10 : 10) * twins.plain.snapStep());
             moved += !twins.plain.journal.isEmpty();
-            backedOff += twins.plain.asked.size() > twins.ids.size();
+            held += twins.plain.asked.size() != twins.ids.size();
             QCOMPARE(twins.real.model.asked, twins.plain.asked);
             QCOMPARE(twins.real.model.journal, twins.plain.journal);
             QVERIFY(twins.haveTheSameTimes());
@@ -249,7 +249,7 @@ void TestGesturesRandom::crowdsMovedTogetherAgreeWithTheReference()
         }
     }
     QVERIFY(moved > 5);
-    QVERIFY(backedOff > 5);
+    QVERIFY(held > 5);
 }
 
 void TestGesturesRandom::whatHasChangedSinceCountsForACrowd()
@@ -259,7 +259,7 @@ void TestGesturesRandom::whatHasChangedSinceCountsForACrowd()
     for (const int seed : {1, 2, 4, 5, 7, 8}) {
         Twins twins(seed, 400, 60'000);
         twins.dragCrowd();
-        for (int round = 0; round < 20; ++round) {
+        for (int round = 0; round < 8; ++round) {
             const bool isAllowed = Reference::canMove(twins.plain, twins.ids, twins.dt);
             (isAllowed ? allowed : refused) += 1;
             for (int again = 0; again < 2; ++again)
@@ -267,7 +267,7 @@ void TestGesturesRandom::whatHasChangedSinceCountsForACrowd()
             // One that stays goes out of the way or into it.
             QVector<int> others = twins.plain.itemIds();
             others.removeIf([&](int id) { return twins.ids.contains(id); });
-            const qint64 time = ViewFixture::origin + (round % 2 ? 30'000 : 3'000'000);
+            const qint64 time = ViewFixture::origin + (round % 2 ? 30'000 : -3'000'000);
             for (const int id : std::as_const(others)) {
                 twins.real.model.setItemStartTime(id, time);
                 twins.plain.setItemStartTime(id, time);
