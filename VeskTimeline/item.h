@@ -63,6 +63,9 @@ public:
         Outside, ///< it paints nothing of an item that is over before the window or begins behind it
         Bar,     ///< it is Item::paint() or paints the same: where bars cover one another, or there are many, it is not
                  ///< even called for those that are seen
+        Covered, ///< as Outside; and an item that lasts for a while is a bar from the left of the rectangle to its
+                 ///< right, or three pixels wide, all as high as the row allows, drawn with drawRect() and the pens of
+                 ///< Item::paint() and filled with color(): it is not called for bars that later such bars cover
     };
 
     /// MIME type that marks a drag of items inside one view; its payload is empty.

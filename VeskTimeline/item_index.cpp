@@ -64,6 +64,7 @@ void ItemIndex::build(const Items& items)
     m_movedTimes = 0;
     m_starts.resize(items.size());
     m_ends.resize(items.size());
+    m_ids.resize(items.size());
     m_summarisedItems = 0;
     m_isOrdered = true;
     m_cullings = 0;
@@ -73,6 +74,7 @@ void ItemIndex::build(const Items& items)
         item.m_indexMark.m_slot = m_slot;
         m_starts[position] = item.startTime();
         m_ends[position] = endTimeOf(item);
+        m_ids[position] = item.id();
         m_isOrdered = m_isOrdered && before <= item.startTime() && item.duration() >= openEnded;
         m_cullings |= bitOf(item.culling());
         before = item.startTime();
@@ -175,6 +177,7 @@ void ItemIndex::noteInsertion(const Items& items, std::size_t position)
         return;
     m_starts.insert(m_starts.begin() + static_cast<std::ptrdiff_t>(position), item.startTime());
     m_ends.insert(m_ends.begin() + static_cast<std::ptrdiff_t>(position), endTimeOf(item));
+    m_ids.insert(m_ids.begin() + static_cast<std::ptrdiff_t>(position), item.id());
     m_summarisedItems = std::min(m_summarisedItems, position);
     Q_ASSERT(isRight(items));
 }
@@ -187,6 +190,7 @@ void ItemIndex::noteRemoval(const Items& items, std::size_t position, Item& remo
         return;
     m_starts.erase(m_starts.begin() + static_cast<std::ptrdiff_t>(position));
     m_ends.erase(m_ends.begin() + static_cast<std::ptrdiff_t>(position));
+    m_ids.erase(m_ids.begin() + static_cast<std::ptrdiff_t>(position));
     m_summarisedItems = std::min(m_summarisedItems, position);
     Q_ASSERT(isRight(items));
 }
@@ -195,18 +199,19 @@ void ItemIndex::noteMove(const Items& items, std::size_t from, std::size_t to)
 {
     if (!isKept(std::max(from, to) - std::min(from, to)))
         return;
-    const auto move = [from, to](Times& times, qint64 time) {
-        const auto at = [&times](std::size_t position) {
-            return times.begin() + static_cast<std::ptrdiff_t>(position);
+    const auto move = [from, to](auto& values, auto value) {
+        const auto at = [&values](std::size_t position) {
+            return values.begin() + static_cast<std::ptrdiff_t>(position);
         };
         if (from < to)
             std::move(at(from + 1), at(to + 1), at(from));
         else
             std::move_backward(at(to), at(from), at(from + 1));
-        times[to] = time;
+        values[to] = value;
     };
     move(m_starts, items[to]->startTime());
     move(m_ends, endTimeOf(*items[to]));
+    move(m_ids, items[to]->id());
     noteChange(std::min(from, to), std::max(from, to));
     Q_ASSERT(isRight(items));
 }
@@ -270,7 +275,8 @@ bool ItemIndex::isRight(const Items& items) const
     if (items.size() > mostItems)
         return m_starts.size() == items.size() && m_place == items.data();
     for (std::size_t position = 0; position < items.size(); ++position) {
-        if (m_starts[position] != items[position]->startTime() || m_ends[position] != endTimeOf(*items[position]))
+        if (m_starts[position] != items[position]->startTime() || m_ends[position] != endTimeOf(*items[position]) ||
+            m_ids[position] != items[position]->id())
             return false;
         if (position > 0 && m_starts[position] < m_starts[position - 1])
             return false;

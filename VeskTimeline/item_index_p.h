@@ -10,12 +10,12 @@ namespace VeskTimeline {
 
 /// The times of a track's items, for finding those of a stretch of time without looking at all of them.
 ///
-/// Start and end times stand in flat arrays, position by position as in the track's list, so that a search follows no
-/// pointers. The starts are searched by halving. The ends are in no order; above them stand the latest end of each
-/// `fanOut` items, of each `fanOut` of these blocks, and so on, so that the next item that lasts until a time is found
-/// by skipping blocks. An open-ended item lasts for ever.
+/// Start and end times, and the ids, stand in flat arrays, position by position as in the track's list, so that a
+/// search follows no pointers. The starts are searched by halving. The ends are in no order; above them stand the
+/// latest end of each `fanOut` items, of each `fanOut` of these blocks, and so on, so that the next item that lasts
+/// until a time is found by skipping blocks. An open-ended item lasts for ever.
 ///
-/// Invariant, while matches() and not at rest: starts and ends are those of the items. isOrdered() says whether the
+/// Invariant, while matches() and not at rest: starts, ends and ids are those of the items. isOrdered() says whether the
 /// starts ascend and no item ends before it starts; without that only going through the list answers a question, and
 /// only isOrdered(), matches() and build() may be called.
 ///
@@ -60,6 +60,7 @@ public:
     /// Times of the item at a position; the last time there is for an open-ended one.
     qint64 startAt(std::size_t position) const { return m_starts[position]; }
     qint64 endAt(std::size_t position) const { return m_ends[position]; }
+    int idAt(std::size_t position) const { return m_ids[position]; }
     /// The first position of the block of items that a position lies in, and the latest end among these.
     static std::size_t blockBegin(std::size_t position) { return position / fanOut * fanOut; }
     qint64 latestEndInBlock(std::size_t position) const;
@@ -100,6 +101,7 @@ private:
 
     Times m_starts;
     Times m_ends;
+    std::vector<int> m_ids;
     /// Latest ends: of `fanOut` items each, of `fanOut` of these each, and so on.
     mutable std::vector<Times> m_latestEnds;
     /// The latest ends count for the items before this position; those of later ones are made when they are needed.

@@ -10,6 +10,7 @@
 
 #include <QStyleOptionViewItem>
 
+#include <utility>
 #include <vector>
 
 class QModelIndex;
@@ -59,7 +60,7 @@ private:
     bool canCull(const Row& row) const;
     bool findCopyItems(const Track& track);
     void paintAll(const Row& row) const;
-    void paintItem(const Row& row, const Item& item) const;
+    void paintItem(const Row& row, const Item& item, QStyleOptionViewItem* option) const;
     void paintSeen(const Row& row);
 
     bool hasIndexForWindow(const ItemIndex* index) const;
@@ -70,13 +71,20 @@ private:
     std::size_t firstHidden(const ItemIndex& index, Positions positions) const;
     void findSelected(const Track& track, const ItemIndex& index);
     bool mayBeSelected(Positions positions) const;
-    std::size_t lastSelected(const Items& items, Positions positions) const;
+    bool isSelectedAt(const ItemIndex& index, std::size_t position) const;
+    std::size_t lastSelected(const ItemIndex& index, Positions positions) const;
     void look(const Item& item);
+    void lookAtBar(const Item& item);
+    void lookAtCovered(const Items& items, const ItemIndex& index, Positions inside);
+    void lookAtCovered(const Item& item);
 
     bool isDragged(const Item& item) const { return m_draggedIds && m_draggedIds->contains(item.id()); }
     Bar barAt(qint64 startTime, qint64 endTime, bool isSelected) const;
     Bar barAt(const ItemIndex& index, std::size_t position, bool isSelected) const;
     Bar markAt(Side side, bool isSelected) const;
+    bool isInside(const Item& item) const;
+    std::pair<int, int> columnsOf(qint64 startTime, qint64 endTime) const;
+    bool isCovered(std::pair<int, int> columns, bool isSelected) const;
 
     const TimelineView& m_view;
     ViewAxis m_axis;
@@ -90,6 +98,9 @@ private:
     std::vector<std::size_t> m_selectedPositions;
     bool m_isSelectionKnown = false;
     BarRow m_bars;
+    /// What is covered by items of Item::Culling::Covered, and what by the selected ones among them, which are higher.
+    BarRow m_covers;
+    BarRow m_selectedCovers;
     /// From the last one painted to the first.
     std::vector<const Item*> m_seen;
     /// Whether all that is seen are bars of one opaque colour.

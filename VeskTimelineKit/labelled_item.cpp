@@ -41,7 +41,7 @@ QString toolTipRow(const QString& name, const QString& value)
 LabelledItem::LabelledItem(const QString& label, qint64 startTime, int duration, const QColor& color, bool isEditable)
     : Item(startTime, duration, color, isEditable), m_label(label)
 {
-    setCulling(Culling::Outside);
+    setCulling(Culling::Covered);
 }
 
 void LabelledItem::setIds(int id, int parentTrackId)

@@ -33,8 +33,8 @@ using TimeFormatter = std::function<QString(qint64)>;
 /// An item with a text, which it paints inside its bar, shortened to the room there is, in black or white, whichever
 /// is easier to read on the item's colour.
 ///
-/// However short an item is, there is something to see: an item without duration, and one whose bar would be narrower
-/// than its marker, shows as a diamond on a line at its start; the edges of one with nearly the colour of the row, or
+/// However short an item is, there is something to see: one without duration shows as a diamond on a line at its start,
+/// one that lasts for a while as a bar of three pixels at least; the edges of one with nearly the colour of the row, or
 /// none at all, stand out from it. An open-ended item reaches to the right end of the painter's clip, where an arrow
 /// says that it goes on. What is left of a bar at the edge of the cell stays a bar, however narrow. Nothing is painted
 /// of items that lie wholly outside the cell.

@@ -112,8 +112,8 @@ void LabelledItem::paint(QPainter* painter, const QStyleOptionViewItem& option, 
         if (hasArrow)
             paintArrow(painter, bar, seen);
         paintLabel(painter, hasArrow ? bar.adjusted(0, 0, -arrowWidth, 0) : bar, seen);
-    } else if (duration() != 0 && isCut(bar, painter->clipBoundingRect())) {
-        bar.setWidth(std::max(bar.width(), 1));
+    } else if (duration() != 0) {
+        bar.setWidth(isCut(bar, painter->clipBoundingRect()) ? std::max(bar.width(), 1) : narrowestBar);
         paintBar(painter, bar, edge, isSelected);
     } else {
         paintMarker(painter, bar, standsOut(seen, row) ? seen : edge, edge, isSelected);

@@ -246,12 +246,13 @@ private Q_SLOTS:
         QCOMPARE(image.pixelColor(95, 15), QColor(Qt::white));
     }
 
-    void aBarTooNarrowToBeSeenIsADiamond()
+    void aBarTooNarrowToBeSeenIsWidened()
     {
-        QCOMPARE(painted(LabelledItem("x", 0, 100, orange, true), barRect(100, 102)),
-                 painted(LabelledItem("x", 0, 0, orange, true), barRect(100, 100)));
-        QCOMPARE(areaOtherThan(painted(LabelledItem("x", 0, 100, orange, true), barRect(100, 103)), Qt::white),
-                 QRect(100, 4, 3, 42));
+        for (const int end : {100, 101, 102, 103}) {
+            const QImage image = painted(LabelledItem("x", 0, 100, orange, true), barRect(100, end));
+            QCOMPARE(areaOtherThan(image, Qt::white), QRect(100, 4, 3, 42));
+            QCOMPARE(image.pixelColor(101, 25), orange);
+        }
     }
 
     void whatIsLeftOfABarAtTheEdgeOfTheCellIsNoMarker()

@@ -90,6 +90,41 @@ public:
 };
 int LikeAnyOtherItem::calls = 0;
 
+/// Leaves space above and below its bar, which is three pixels wide at least and has an outline of its own. Has marks
+/// for items that do not last.
+class CoveredItem : public Item
+{
+public:
+    CoveredItem(qint64 start, int duration, const QColor& color) : Item(start, duration, color, true)
+    {
+        setCulling(Culling::Covered);
+    }
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& /*index*/,
+               bool isSelected) const override
+    {
+        ++calls;
+        QRect bar = option.rect.adjusted(0, 3, 0, -4);
+        const bool isOutside = duration() >= 0 && bar.width() < 0;
+        if (isOutside)
+            return;
+        painter->save();
+        painter->setBrush(m_color);
+        if (duration() > 0) {
+            bar.setWidth(std::max(bar.width(), 3));
+            painter->setPen(QPen(isSelected ? s_highlightColor : m_color.darker(), isSelected ? 5 : 1, Qt::SolidLine,
+                                 Qt::SquareCap, Qt::BevelJoin));
+            painter->drawRect(bar.adjusted(0, 0, -1, -1));
+        } else {
+            painter->setRenderHint(QPainter::Antialiasing);
+            painter->drawEllipse(bar.center(), 5, 5);
+        }
+        painter->restore();
+    }
+
+    static int calls;
+};
+int CoveredItem::calls = 0;
+
 struct Kind
 {
     /// Of the items per track.
@@ -108,6 +143,7 @@ struct Kind
     int telling = 0;
     int marker = 0;
     int likeAnyOther = 0;
+    int covered = 0;
     /// Longest of the others in thousandths of the window.
     int length = 30;
     bool isShuffled = false;
@@ -212,6 +248,9 @@ private:
             else if (isOneOf(m_kind.likeAnyOther))
                 m_items.append(
                     f.model.addItem(track, std::make_unique<LikeAnyOtherItem>(start, duration, anyColor()), false));
+            else if (isOneOf(m_kind.covered))
+                m_items.append(
+                    f.model.addItem(track, std::make_unique<CoveredItem>(start, duration, anyColor()), false));
             else
                 m_items.append(f.model.newItem(track, start, duration, anyColor()));
         }
@@ -272,7 +311,21 @@ QList<QPair<const char*, Kind>> kinds()
     manyShuffled.isShuffled = true;
     Kind outside = with(many(), &Kind::outside, 97);
     outside.selected = 1;
+    Kind manyCovered = with(many(), &Kind::covered, 100);
+    manyCovered.instant = 1;
+    Kind manyCoveredShuffled = manyCovered;
+    manyCoveredShuffled.isShuffled = true;
     return {{"few", {}},
+            {"covered", with({}, &Kind::covered, 100)},
+            {"covered and others", with(with({}, &Kind::covered, 60), &Kind::marker, 20)},
+            {"many covered", manyCovered},
+            {"many covered, none selected", with(manyCovered, &Kind::selected, 0)},
+            {"many covered, all selected", with(manyCovered, &Kind::selected, 100)},
+            {"many covered, few selected", with(manyCovered, &Kind::selected, 1)},
+            {"many covered, some translucent", with(manyCovered, &Kind::translucent, 10)},
+            {"many covered, dragged", with(manyCovered, &Kind::dragged, 60)},
+            {"many covered, out of order", manyCoveredShuffled},
+            {"many covered and others", with(with(many(), &Kind::covered, 60), &Kind::marker, 5)},
             {"none selected", with({}, &Kind::selected, 0)},
             {"all selected", with({}, &Kind::selected, 100)},
             {"translucent", with({}, &Kind::translucent, 30)},
@@ -317,6 +370,7 @@ private Q_SLOTS:
     void itemsOfAnotherClassAreCalledAsByTheLiteralLoop_data();
     void itemsOfAnotherClassAreCalledAsByTheLiteralLoop();
     void itemsThatSaySoAreCalledOnlyWhereTheyAreSeen();
+    void itemsThatAreCoveredAreNotCalled();
     void whatAnItemSaysLaterCountsAsWell();
     void itemsAroundTheEpochArePaintedAsWell();
 };
@@ -520,6 +574,31 @@ void TestRowPainting::itemsThatSaySoAreCalledOnlyWhereTheyAreSeen()
         Picture::of(f.view);
         QCOMPARE(MarkerItem::calls, 20);
         QCOMPARE(LikeAnyOtherItem::calls, 0);
+    }
+}
+
+void TestRowPainting::itemsThatAreCoveredAreNotCalled()
+{
+    for (const int count : {30, 3000}) {
+        ViewFixture f;
+        // All in five seconds, which are five pixels wide.
+        for (int i = 0; i < count; ++i)
+            f.model.addItem(f.trackA, std::make_unique<CoveredItem>(f.at(100) + i * 5000 / count, 500, Qt::green),
+                            false);
+        CoveredItem::calls = 0;
+        Picture::of(f.view);
+        QCOMPARE_LE(CoveredItem::calls, 7);
+        QCOMPARE_GE(CoveredItem::calls, 5);
+        f.view.selectAllItems();
+        CoveredItem::calls = 0;
+        Picture::of(f.view);
+        QVERIFY(CoveredItem::calls < 30);
+        // What is behind can be seen through the others.
+        for (const ItemPtr& item : f.model.track(f.trackA)->items())
+            item->setColor(QColor(0, 255, 0, 254));
+        CoveredItem::calls = 0;
+        Picture::of(f.view);
+        QCOMPARE(CoveredItem::calls, count);
     }
 }
 
