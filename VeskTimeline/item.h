@@ -63,9 +63,10 @@ public:
         Outside, ///< it paints nothing of an item that is over before the window or begins behind it
         Bar,     ///< it is Item::paint() or paints the same: where bars cover one another, or there are many, it is not
                  ///< even called for those that are seen
-        Covered, ///< as Outside; and an item that lasts for a while is a bar from the left of the rectangle to its
-                 ///< right, or three pixels wide, all as high as the row allows, drawn with drawRect() and the pens of
-                 ///< Item::paint() and filled with color(): it is not called for bars that later such bars cover
+        Covered, ///< as Outside; and for an item with a duration above 0 it paints a bar, with drawRect() and pens as
+                 ///< wide as those of Item::paint(), filled with color(), and nothing outside of it. The bars of a row
+                 ///< are all as high; they fill the columns of the rectangle, but are three pixels wide where that is
+                 ///< narrower, except at the row's edges. It is not called for bars that later ones cover
     };
 
     /// MIME type that marks a drag of items inside one view; its payload is empty.

@@ -31,6 +31,9 @@ class TimelineView;
 /// Items outside the window are not without a trace: a bar is cut to its row by moving its edges, so each of them
 /// leaves an outline at the row's edge. Which one is seen depends only on the order and on what is selected, so that
 /// hardly more than the last one needs to be looked at.
+///
+/// Of items of Item::Culling::Covered those are painted by themselves, in their order, that are not wholly covered by
+/// later ones of the same kind: what else is in the row does not matter for that.
 class RowPainter
 {
 public:
