@@ -37,6 +37,7 @@ void RowPainter::paint(QPainter* painter, const QStyleOptionViewItem& option, co
     }
     for (BarRow* const bars : {&m_bars, &m_covers, &m_selectedCovers})
         bars->begin(m_cell, *painter);
+    m_latestCover = {0, -1};
     m_seen.clear();
     m_isAllBars = true;
     // What is painted last hides the others, so it is looked at first.

@@ -95,6 +95,8 @@ std::pair<int, int> RowPainter::columnsOf(qint64 startTime, qint64 endTime) cons
 
 bool RowPainter::isCovered(std::pair<int, int> columns, bool isSelected) const
 {
+    if (columns == m_latestCover && (m_isLatestCoverSelected || !isSelected))
+        return true;
     return (isSelected ? m_selectedCovers : m_covers).isHidden({columns.first, columns.second, isSelected});
 }
 
@@ -110,6 +112,8 @@ void RowPainter::lookAtCovered(const Item& item)
     const bool isCut = columns.first <= m_cell.left() || columns.second + 2 >= m_cell.right();
     if ((isNarrow && isCut) || item.color().alpha() != 255)
         return;
+    m_latestCover = columns;
+    m_isLatestCoverSelected = isSelected;
     // The corners of the outline are not filled.
     const Bar inner{columns.first + 1, columns.second - 1, false};
     m_covers.addOutline(inner);

@@ -104,6 +104,9 @@ private:
     /// What is covered by items of Item::Culling::Covered, and what by the selected ones among them, which are higher.
     BarRow m_covers;
     BarRow m_selectedCovers;
+    /// Of the latest of these. One with the same columns has the same shape, corners included.
+    std::pair<int, int> m_latestCover = {0, -1};
+    bool m_isLatestCoverSelected = false;
     /// From the last one painted to the first.
     std::vector<const Item*> m_seen;
     /// Whether all that is seen are bars of one opaque colour.
