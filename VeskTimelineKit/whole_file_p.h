@@ -16,7 +16,7 @@ public:
     using QSaveFile::QSaveFile;
 
     /// To be called instead of commit(). @return false: see errorString()
-    bool commitWhole() { return (flush() || flush()) && commit(); }
+    bool commitWhole() { return !m_isIncomplete && (flush() || flush()) && commit(); }
 
 protected:
     qint64 writeData(const char* data, qint64 length) override
@@ -33,10 +33,15 @@ protected:
             // What comes after it must not close the gap.
             if (error() == NoError)
                 cancelWriting();
+            // Kept here, since closing the file forgets the reason.
+            m_isIncomplete = true;
             return -1;
         }
         return written;
     }
+
+private:
+    bool m_isIncomplete = false;
 };
 
 } // namespace VeskTimeline::Kit

@@ -66,7 +66,10 @@ void StartUpLoad::showProgress()
     progress.setAutoClose(false);
     QEventLoop loop;
     QTimer timer;
-    QObject::connect(&progress, &QProgressDialog::canceled, &loop, [this] { m_isCancelled = true; });
+    const auto cancel = [this] { m_isCancelled = true; };
+    QObject::connect(&progress, &QProgressDialog::canceled, &loop, cancel);
+    // A dialog that is not the active window takes Escape for a rejection only.
+    QObject::connect(&progress, &QDialog::rejected, &loop, cancel);
     QObject::connect(&timer, &QTimer::timeout, &loop, [&] {
         progress.setValue(static_cast<int>(m_share * steps));
         if (isDoneWithin(std::chrono::milliseconds(0)))

@@ -119,9 +119,9 @@ private:
         else if (what < 3 || items.isEmpty())
             model.addItems(anyTrack(random, model), someItems(random, random.bounded(5) == 0 ? many : 5));
         else if (what == 3)
-            model.setItemStartTime(random.bounded(-1500, 1500), anyOf(random, items));
+            model.setItemStartTime(anyOf(random, items), random.bounded(-1500, 1500));
         else if (what == 4)
-            model.setItemDuration(random.bounded(600), anyOf(random, items));
+            model.setItemDuration(anyOf(random, items), random.bounded(600));
         else if (what == 5)
             model.removeItems(items.mid(random.bounded(static_cast<int>(items.size()))));
         else if (what == 6)
