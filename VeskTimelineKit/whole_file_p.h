@@ -16,7 +16,7 @@ public:
     using QSaveFile::QSaveFile;
 
     /// To be called instead of commit(). @return false: see errorString()
-    bool commitWhole() { return !m_isIncomplete && (flush() || flush()) && commit(); }
+    bool commitWhole() { return (flush() || flush()) && !m_isIncomplete && commit(); }
 
 protected:
     qint64 writeData(const char* data, qint64 length) override

@@ -3,10 +3,10 @@
 #include <VeskTimelineKit/standard_timeline_model.h>
 #include <VeskTimelineKit/vtl_writer.h>
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QSet>
-#include <QDeadlineTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -235,7 +235,8 @@ private Q_SLOTS:
         Scene::takeSome();
         const QByteArray text = scene.text();
         scene.journal->flush();
-        // This one comes too late for the change that is written, and waits for the event loop, which stands still here.
+        // This one comes too late for the change that is written, and waits for the event loop, which stands still
+        // here.
         scene.model.setItemLabel(0, "later");
         const QDeadlineTimer deadline(20'000);
         while (scene.recovered().changeCount == 0 && !deadline.hasExpired())
