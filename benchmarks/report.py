@@ -12,8 +12,9 @@ import figures
 import picture
 from measurements import Measurements
 
-# In a quick run on a machine that others use, too, a ratio may miss its target by this much.
-ROOM_FOR_NOISE = 1.6
+# A quick run, on a machine that others use, too, is to find what goes through everything instead of what is in sight,
+# which misses by tens and hundreds; by how much a target is missed otherwise the table says.
+ROOM_FOR_NOISE = 10
 BEGIN, END = "<!-- measured: begin -->\n", "<!-- measured: end -->\n"
 
 
