@@ -15,9 +15,9 @@ namespace VeskTimeline {
 /// latest end of each `fanOut` items, of each `fanOut` of these blocks, and so on, so that the next item that lasts
 /// until a time is found by skipping blocks. An open-ended item lasts for ever.
 ///
-/// Invariant, while matches() and not at rest: starts, ends and ids are those of the items. isOrdered() says whether the
-/// starts ascend and no item ends before it starts; without that only going through the list answers a question, and
-/// only isOrdered(), matches() and build() may be called.
+/// Invariant, while matches() and not at rest: starts, ends and ids are those of the items. isOrdered() says whether
+/// the starts ascend and no item ends before it starts; without that only going through the list answers a question,
+/// and only isOrdered(), matches() and build() may be called.
 ///
 /// The track changes the list through itself and tells the index, which then costs no more than the change of the list
 /// does. What happens behind its back is found out by matches(): another size or place of the list, a change of the
