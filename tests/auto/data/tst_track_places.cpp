@@ -32,7 +32,7 @@ public:
         default: {
             const QSignalBlocker blocker(m_random.bounded(4) == 0 ? this : nullptr);
             const Track& parent = randomTrack();
-            insertTrack(parent.id(), m_random.bounded(parent.trackCount() + 1), std::make_unique<Track>(QString()));
+            insertTrack(parent.id(), m_random.bounded(parent.trackCount() + 1), std::make_unique<OwnTrack>(-1, -1));
             return QStringLiteral("insertTrack");
         }
         }
