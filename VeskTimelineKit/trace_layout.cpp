@@ -131,7 +131,9 @@ DocumentItem TraceTracks::itemOf(const Bar& bar)
 
 void TraceTracks::add(const QStringList& path, std::vector<TraceSlice> slices)
 {
-    const std::vector<std::vector<Bar>> lanes = lanesOf(barsOf(slices));
+    // Gone when its items are made, so that the two do not add up over all tracks.
+    const std::vector<TraceSlice> done = std::move(slices);
+    const std::vector<std::vector<Bar>> lanes = lanesOf(barsOf(done));
     for (std::size_t depth = 0; depth < lanes.size(); ++depth) {
         const QStringList below = depth > 0 ? QStringList{Tr::tr("depth %1").arg(depth)} : QStringList();
         DocumentTrack* const track = m_document.trackWithinLimit(path + below);
